@@ -1,0 +1,44 @@
+# Compiler settings that every target of the project shares.
+add_library(tk7_options INTERFACE)
+target_compile_definitions(tk7_options INTERFACE
+    QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING
+    QT_DEPRECATED_WARNINGS QT_USE_QSTRINGBUILDER)
+if(NOT MSVC)
+    target_compile_options(tk7_options INTERFACE
+        -Wall -Wextra -Wpedantic -Wshadow -Wconversion $<$<BOOL:${TK7_WERROR}>:-Werror>)
+endif()
+if(TK7_SANITIZE)
+    target_compile_options(tk7_options INTERFACE
+        -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    target_link_options(tk7_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+# tk7_add_library(NAME sources... LINK libs...): a room of the house as a static library.
+# Its headers are included by the room's name: #include "link/nmeaserialport.h".
+function(tk7_add_library name)
+    cmake_parse_arguments(arg "" "INCLUDE" "LINK" ${ARGN})
+    add_library(${name} STATIC ${arg_UNPARSED_ARGUMENTS})
+    if(NOT arg_INCLUDE)
+        set(arg_INCLUDE ${PROJECT_SOURCE_DIR}/src)
+    endif()
+    target_include_directories(${name} PUBLIC ${arg_INCLUDE})
+    target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE tk7_options)
+endfunction()
+
+# tk7_add_test(NAME sources... LINK libs... TIMEOUT seconds LABELS labels...): one QtTest program.
+function(tk7_add_test name)
+    cmake_parse_arguments(arg "RUN_SERIAL" "TIMEOUT" "LINK;LABELS" ${ARGN})
+    add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
+    target_link_libraries(${name} PRIVATE ${arg_LINK} Qt5::Test tk7_options)
+    add_test(NAME ${name} COMMAND ${name})
+    if(NOT arg_TIMEOUT)
+        set(arg_TIMEOUT 60)
+    endif()
+    set_tests_properties(${name} PROPERTIES
+        TIMEOUT ${arg_TIMEOUT}
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=qt.qpa.*=false"
+        LABELS "${arg_LABELS}")
+    if(arg_RUN_SERIAL)
+        set_tests_properties(${name} PROPERTIES RUN_SERIAL ON)
+    endif()
+endfunction()
