@@ -1,0 +1,34 @@
+#include "platform/serialports.h"
+
+#include <QSerialPortInfo>
+
+namespace platform {
+
+QString publishedPortsFolder()
+{
+    return QString();
+}
+
+QStringList serialPortNames()
+{
+    static const QString deviceNameSpace = QStringLiteral("\\\\.\\");
+    QStringList names;
+    const QList<QSerialPortInfo> ports = QSerialPortInfo::availablePorts();
+    for (const QSerialPortInfo &port : ports) {
+        if (port.systemLocation().startsWith(deviceNameSpace))
+            names += port.portName();
+    }
+    return names;
+}
+
+QString serialPortDevice(const QString &name)
+{
+    return name;
+}
+
+bool hasHungUp(const QSerialPort &)
+{
+    return false;
+}
+
+} // namespace platform
