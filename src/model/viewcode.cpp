@@ -1,0 +1,23 @@
+#include "model/viewcode.h"
+
+#include "model/routermodel.h"
+
+bool ViewCode::isValid() const
+{
+    if (isNone())
+        return true;
+    if (isInput())
+        return port() < InputPortCount;
+    return port() < OutputPortCount && (isOutput() || channel() < ChannelCount);
+}
+
+QString ViewCode::text() const
+{
+    if (isNone())
+        return QString();
+    if (isInput())
+        return tr("INPUT PORT %1").arg(port());
+    if (isOutput())
+        return tr("OUTPUT PORT %1").arg(port());
+    return tr("OUTPUT PORT %1 - CHANNEL %2").arg(port()).arg(channel());
+}
