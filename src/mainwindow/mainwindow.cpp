@@ -1,0 +1,173 @@
+#include "mainwindow/mainwindow.h"
+
+#include "link/nmeaserialport.h"
+#include "mainwindow/matrixstyle.h"
+#include "mainwindow/statuswidget.h"
+#include "service/waitsavedlg.h"
+#include "ui_mainwindow.h"
+#include "widgets/dragframe.h"
+#include "widgets/qclicklabel.h"
+#include "widgets/qmcombobox.h"
+#include "widgets/qmpushbutton.h"
+
+#include <QTimer>
+
+namespace {
+
+constexpr int designWidth = 853;
+constexpr int designHeight = 627;
+constexpr int defaultSpeedIndex = 1;
+constexpr int portFontSize = 8;
+constexpr int monitorInterval = 200; // ms; the screen follows the line five times a second at most
+
+const QString titleStart = QStringLiteral("Brelland Sea Works - TK-7 v");
+const QString applicationVersion = QStringLiteral("4.0");
+
+} // namespace
+
+MainWindow::MainWindow(QWidget *parent)
+    : QMainWindow(parent), string_timer(new QTimer(this)), ui(std::make_unique<Ui::MainWindow>()),
+      status_widget(new statusWidget)
+{
+    string_timer->setInterval(monitorInterval);
+
+    ui->setupUi(this);
+    resize(designWidth, designHeight);
+    activateWindow();
+
+    findRows();
+    fillSpeeds();
+    connectWidgets();
+    // The other header fields take what the router sends without a mask.
+    channel_rows[0].hdr_text->setInputMask(QStringLiteral(">AA"));
+
+    slotRescanPorts();
+    connect(ui->pushButton_rescan_ports, &QPushButton::clicked, this, &MainWindow::slotRescanPorts);
+    connect(ui->pushButton_connect, &QPushButton::clicked, this, &MainWindow::slotConnectPort);
+    connect(ui->pushButton_SaveEEPROM, &QPushButton::clicked, this, &MainWindow::slotSaveToEeprom);
+
+    makeMatrix();
+    ui->statusBar->addWidget(status_widget, 0);
+
+    applyScale();
+    UpdateCrsErrorsLabel();
+    setTexts();
+}
+
+MainWindow::~MainWindow()
+{
+    if (link) {
+        link->closePort();
+        delete link;
+    }
+    delete status_widget;
+    for (InputRow &row : input_rows) {
+        delete row.port_label;
+        delete row.placeholder_label;
+        delete row.speed_label;
+    }
+}
+
+void MainWindow::findRows()
+{
+    const auto named = [this](const char *pattern, int number) {
+        return QString::fromLatin1(pattern).arg(number);
+    };
+    for (int i = 0; i < ChannelCount; ++i) {
+        ChannelRow &row = channel_rows[size_t(i)];
+        row.view = findChild<QPushButton *>(named("pushButton_channel_%1", i));
+        row.filter = findChild<QCheckBox *>(named("checkBox_channel_%1_filter", i));
+        row.filter_set = findChild<QPushButton *>(named("pushButton_channel_%1_filter_set", i));
+        row.crs = findChild<QCheckBox *>(named("checkBox_channel_%1_crs", i));
+        row.smart = findChild<QPushButton *>(named("pushButton_channel_%1_smart", i));
+        row.hdr = findChild<QCheckBox *>(named("checkBox_channel_%1_hdr", i));
+        row.hdr_text = findChild<QLineEdit *>(named("lineEdit_channel_%1_hdr", i));
+        row.hdr_set = findChild<QPushButton *>(named("pushButton_channel_%1_hdr_set", i));
+    }
+    for (int i = 0; i < OutputPortCount; ++i) {
+        OutputRow &row = output_rows[size_t(i)];
+        row.frame = findChild<QFrame *>(named("frame_output_ports_%1", i));
+        row.button = findChild<QMPushButton *>(named("pushButton_output_port_%1", i));
+        row.speed = findChild<QMComboBox *>(named("comboBox_output_port_%1", i));
+    }
+}
+
+void MainWindow::fillSpeeds()
+{
+    QStringList speeds;
+    for (quint32 speed : portSpeeds())
+        speeds += QString::number(speed);
+    for (const OutputRow &row : output_rows) {
+        row.speed->addItems(speeds);
+        row.speed->setCurrentIndex(defaultSpeedIndex);
+        QFont font = row.button->font();
+        font.setPointSize(portFontSize);
+        row.button->setFont(font);
+    }
+    UpdateOutputPortButtons();
+}
+
+void MainWindow::connectWidgets()
+{
+    for (const OutputRow &row : output_rows) {
+        connect(row.speed, &QComboBox::currentTextChanged, this, &MainWindow::slotPortSpeedChanged);
+        connect(row.button, &QPushButton::clicked, this, &MainWindow::slotOutputPortButttonClicked);
+        connect(row.button, &QMPushButton::signalPushRightMouse, this,
+                &MainWindow::slotOutputPortButtonRightClicked);
+    }
+    for (const ChannelRow &row : channel_rows) {
+        connect(row.view, &QPushButton::clicked, this, &MainWindow::slotChannelButtonClicked);
+        connect(row.crs, &QCheckBox::clicked, this, &MainWindow::slotCrsCheckChanged);
+    }
+    connect(status_widget->pushButton_play, &QPushButton::clicked, this, &MainWindow::slotPlayNMEA);
+    connect(status_widget->pushButton_view_small, &QPushButton::clicked, this,
+            &MainWindow::slotButSmallStatus);
+    connect(status_widget->pushButton_view_big, &QPushButton::clicked, this,
+            &MainWindow::slotButBigStatus);
+    connect(status_widget->pushButton_view_speed, &QPushButton::clicked, this,
+            &MainWindow::slotButViewSpeed);
+    connect(ui->pushButton_return_input, &QPushButton::clicked, this,
+            &MainWindow::slotReturnInputPorts);
+    connect(string_timer, &QTimer::timeout, this, &MainWindow::slotStringTimer);
+}
+
+void MainWindow::setTexts()
+{
+    setWindowTitle(titleStart + applicationVersion);
+
+    ui->pushButton_Service->setText(QString());
+    ui->pushButton_Service->setIcon(QIcon(QStringLiteral(":/icons/logo-180x60-transparent.png")));
+    ui->pushButton_Service->setIconSize(ui->pushButton_Service->minimumSize());
+
+    for (QLabel *label :
+         {ui->label_3, ui->label_vr48_status, ui->label_vr48_port, ui->label_firmware_version,
+          ui->label_firmware_mode, ui->label_vr48_errors, ui->label_vr48_flash_page}) {
+        label->setText(QString());
+    }
+    for (QLabel *label : {ui->label_input_ports, ui->label_input_channels, ui->label_vr48_status})
+        label->setStyleSheet(MatrixStyle::orangeText);
+    for (QLabel *label : {ui->label_cur_ch_out, ui->label_output_ports})
+        label->setStyleSheet(MatrixStyle::blueText);
+}
+
+void MainWindow::send(const QString &sentence)
+{
+    if (connected && link)
+        link->sendSentence(sentence);
+}
+
+QMessageBox::StandardButton MainWindow::showMessage(const QString &title, const QString &text,
+                                                    QMessageBox::Icon icon,
+                                                    QMessageBox::StandardButtons buttons)
+{
+    QWidget *owner = this;
+    if (message_box)
+        owner = message_box;
+    // The end of the link may delete the box while it is open.
+    const QPointer<QMessageBox> box = new QMessageBox(icon, title, text, buttons, owner);
+    if (!message_box)
+        message_box = box;
+    const int answer = box->exec();
+    delete box;
+    return QMessageBox::StandardButton(answer);
+}

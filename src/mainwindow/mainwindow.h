@@ -1,0 +1,280 @@
+#pragma once
+
+#include "model/routermodel.h"
+
+#include <QMainWindow>
+#include <QMessageBox>
+#include <QPointer>
+#include <QStringList>
+
+#include <array>
+#include <memory>
+
+QT_BEGIN_NAMESPACE
+class QCheckBox;
+class QFrame;
+class QLabel;
+class QLineEdit;
+class QProgressDialog;
+class QPushButton;
+class QScrollArea;
+class QTimer;
+QT_END_NAMESPACE
+
+class DragFrame;
+class NmeaSerialPort;
+class QMComboBox;
+class QMLineEdit;
+class QMPushButton;
+class statusWidget;
+class WaitSaveDlg;
+
+namespace Ui {
+class MainWindow;
+}
+
+/*!
+ * The tool's window and its centre: owns the model, the link while there is one, and the matrix in
+ * which the user changes the router's rules.
+ *
+ * A change by the user updates the model and the row, and goes to the router at once while
+ * connected; otherwise it waits for the next upload. The model outlives connections.
+ */
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MainWindow(QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    const RouterModel &routerModel() const { return model; }
+    bool isConnected() const { return connected; }
+
+signals:
+    void exitWaitSaveDlg();
+
+public slots:
+    // Connection
+    void slotRescanPorts();
+    void slotConnectPort();
+    void slotProgress(int progress);
+    void slotConnectEstablish(quint8 port);
+    void slotErrorOpenPort();
+    void slotTimeOutConnectPort();
+    void slotConnectBusy();
+
+    // What the router sends
+    void slotVRNewRule(quint8 port, int channel, quint8 rules, quint8 flags);
+    void slotVRNewFilterMask(quint8 port, int channel, uint filter_mask);
+    void slotVRNewHdr(quint8 port, int channel, QString hdr);
+    void slotVRNewFilterStr(quint8 index, QString flt);
+    void slotVRNewPortSpeed(quint8 port, uint spd);
+    void slotVRNewPortName(bool b_type, quint8 port, QString port_name);
+    void slotVRUpdateVRData();
+    void slotVRVersion(uint msb, uint lsb);
+    void slotVRMode(QString mode);
+    void slotVRErrorsCode(uint vr_error_code, uint vr_error_fault);
+    void slotUsedFlashBank(uint uFlash);
+    void slotVRLockStatus(bool password, quint8 level);
+    void slotVRSendDisconnect();
+
+    // Saving in the router
+    void slotSaveToEeprom();
+    void slotVRSaveToEepromOk();
+    void slotVRSaveToEepromError();
+
+    // Matrix
+    void slotPressEvent(DragFrame *dframe);
+    void slotReleaseEvent(DragFrame *dframe);
+    void slotEnterEvent(DragFrame *dframe);
+    void slotDropEvent(DragFrame *dframe);
+    void slotOutputPortButttonClicked();
+    void slotChannelButtonClicked();
+    void slotCrsCheckChanged(bool state);
+    void slotReturnInputPorts();
+    void SetSmartButtonColor(quint8 channel, bool b_enable);
+
+    // Names and speeds
+    void slotPortSpeedChanged(QString str);
+    void slotInputPortEditName(DragFrame *dframe);
+    void slotOutputPortButtonRightClicked();
+    void slotEditPortNameOk();
+    void slotEditOutputPortNameOk();
+    void slotEditPortNameFinish();
+
+    // Monitor and status panel
+    void slotVRPortView(quint8 port);
+    void slotNMEAReceive(QString str);
+    void slotStringTimer();
+    void slotPlayNMEA();
+    void slotCRSError();
+    void slotButSmallStatus();
+    void slotButBigStatus();
+    void slotButViewSpeed();
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    /*! The widgets of one input channel of the selected output port. */
+    struct ChannelRow
+    {
+        QPushButton *view = nullptr;
+        QCheckBox *filter = nullptr;
+        QPushButton *filter_set = nullptr;
+        QCheckBox *crs = nullptr;
+        QPushButton *smart = nullptr;
+        QCheckBox *hdr = nullptr;
+        QLineEdit *hdr_text = nullptr;
+        QPushButton *hdr_set = nullptr;
+    };
+
+    /*! The widgets of one output port. */
+    struct OutputRow
+    {
+        QFrame *frame = nullptr;
+        QMPushButton *button = nullptr;
+        QMComboBox *speed = nullptr;
+    };
+
+    /*! The widgets of one input port. */
+    struct InputRow
+    {
+        QLabel *placeholder_label = nullptr;
+        QLabel *speed_label = nullptr;
+        QLabel *port_label = nullptr; //!< made when first placed
+        quint8 label_place = 0;       //!< code of the frame that holds port_label
+    };
+
+    /*! A scroll area and its geometry in a window of full height. */
+    struct Column
+    {
+        QScrollArea *area = nullptr;
+        QRect design;
+    };
+
+    /*! The widths that the speed view changes. */
+    struct SpeedViewWidths
+    {
+        int window = 0;
+        int area = 0;
+        int contents = 0;
+        int heading = 0;
+        int top_frame = 0;
+    };
+
+    // Construction
+    void findRows();
+    void fillSpeeds();
+    void connectWidgets();
+    void makeMatrix();
+    DragFrame *makeDragFrame(QWidget *parent, QPoint position);
+    void setTexts();
+    void applyScale();
+    void rememberGeometry();
+    void placeOnScreen(QSize size);
+    void setAreaBottoms();
+
+    // Connection
+    void wireLink();
+    void resetConnectionView();
+    void makeProgressDialog();
+    void closeProgressDialog();
+    void closeWaitSaveDialog();
+    void releaseLink();
+    void leaveConnection();
+    void askDisconnect();
+    void send(const QString &sentence);
+
+    // Saving in the router
+    void SendAllToRouter();
+    void showSaveResult(const QString &text, QMessageBox::Icon icon);
+    QMessageBox::StandardButton showMessage(const QString &title, const QString &text,
+                                            QMessageBox::Icon icon,
+                                            QMessageBox::StandardButtons buttons = QMessageBox::Ok);
+
+    // Matrix
+    quint8 FrameCode(const DragFrame *frame) const;
+    ChannelRecord &channelRecord(int channel);
+    void sendRule();
+    void UpdateChannelRow(quint8 channel);
+    void updateAllChannelRows();
+    void RefreshInputLabels();
+    void SetOutputPortColor(quint8 port, bool selected);
+    void SetViewColors(quint8 code);
+    void PlacePortLabel(quint8 port, quint8 code);
+    void SetPortLabelText(QLabel *label, quint8 port, const QString &name);
+    bool takeDraggedPort(quint8 source, quint8 &port);
+    bool isPortShown(quint8 port) const;
+
+    // Names and speeds
+    QString OutputPortButtonText(quint8 port) const;
+    void UpdateOutputPortButtons();
+    QMLineEdit *openNameEditor(QWidget *place, const QString &name, void (MainWindow::*accept)());
+
+    // Monitor and status panel
+    void setPlay(bool play);
+    void AddMonitorLine(const QString &line);
+    void UpdateCrsErrorsLabel();
+    void fixPanelHeight(int height);
+    void setViewWidths(const SpeedViewWidths &widths);
+
+    /*! Index of the row whose \a widget is \a object, or -1. */
+    template <typename Row, typename Widget>
+    static int rowOf(const std::array<Row, 12> &rows, Widget *Row::*widget, const QObject *object)
+    {
+        for (size_t i = 0; i < rows.size(); ++i) {
+            if (rows[i].*widget == object)
+                return int(i);
+        }
+        return -1;
+    }
+
+    RouterModel model;
+    quint8 current_output_port = 0;
+    quint8 view_code = 255;
+    quint8 edit_port = NO_PORT;
+
+    NmeaSerialPort *link = nullptr;             //!< of the connection in hand; ends by deleteLater
+    QProgressDialog *progress_dialog = nullptr; //!< during the handshake only
+    WaitSaveDlg *wait_save_dialog = nullptr;    //!< while the router saves its rules
+    QPointer<QMessageBox>
+        message_box; //!< the open box; one that comes while it is open is its child
+
+    bool connected = false;
+    bool version_known = false;
+    quint32 fw_msb = 0;
+    quint32 fw_lsb = 0;
+    bool mode_known = false;
+    QString mode_text;
+    bool errors_known = false;
+    quint32 error_code = 0;
+    quint32 error_fault = 0;
+    bool lock_enabled = false;
+    quint8 lock_level = 0;
+    qint32 crs_errors = 0;
+
+    bool play_enabled = true;
+    QStringList pending_lines;
+    QTimer *string_timer = nullptr;
+    bool speed_visible = false;
+
+    std::unique_ptr<Ui::MainWindow> ui;
+    statusWidget *status_widget = nullptr;
+    std::array<ChannelRow, ChannelCount> channel_rows;
+    std::array<OutputRow, OutputPortCount> output_rows;
+    std::array<InputRow, InputPortCount> input_rows;
+    std::array<DragFrame *, ChannelCount> main_frames = {};
+    std::array<DragFrame *, ChannelCount> reserve_frames = {};
+    std::array<DragFrame *, InputPortCount> input_frames = {};
+    DragFrame *pressed_frame = nullptr;
+    QColor unselected_color;
+
+    QSize big_size;              //!< of the window with the panel unfolded
+    QSize small_size;            //!< and folded
+    QSize panel_size;            //!< of the panel as measured at start
+    QSize remembered_panel_size; //!< of the panel when it was folded
+    std::array<Column, 3> columns;
+    SpeedViewWidths narrow_widths;
+};

@@ -1,0 +1,78 @@
+#include "link/nmeaserialport.h"
+#include "mainwindow/mainwindow.h"
+#include "mainwindow/statuswidget.h"
+#include "model/commands.h"
+#include "ui_mainwindow.h"
+
+void MainWindow::slotVRUpdateVRData()
+{
+    if (current_output_port < OutputPortCount)
+        SetOutputPortColor(current_output_port, true);
+    RefreshInputLabels();
+    UpdateOutputPortButtons();
+    updateAllChannelRows();
+    if (!version_known)
+        send(Commands::Version);
+    showMessage(tr("TK-7 Router"), tr("NMEA Router TK-7 connected\n   Download rules complete"),
+                QMessageBox::Information);
+}
+
+void MainWindow::slotVRVersion(uint msb, uint lsb)
+{
+    fw_msb = msb;
+    fw_lsb = lsb;
+    version_known = true;
+    if (connected)
+        ui->label_firmware_version->setText(tr("fw: v.%1.%2").arg(fw_msb).arg(fw_lsb));
+}
+
+void MainWindow::slotVRMode(QString mode)
+{
+    mode_known = true;
+    mode_text = mode;
+    ui->label_firmware_mode->setText(tr("mode: %1").arg(mode_text));
+}
+
+void MainWindow::slotVRErrorsCode(uint vr_error_code, uint vr_error_fault)
+{
+    constexpr int codeDigits = 4;
+    errors_known = true;
+    error_code = vr_error_code;
+    error_fault = vr_error_fault;
+    ui->label_vr48_errors->setText(tr("s:%1").arg(error_code, codeDigits, 16, QLatin1Char('0')));
+}
+
+void MainWindow::slotUsedFlashBank(uint uFlash)
+{
+    if (uFlash == 0)
+        ui->label_vr48_flash_page->setText(QStringLiteral("<"));
+    else if (uFlash == 1)
+        ui->label_vr48_flash_page->setText(QStringLiteral(">"));
+}
+
+void MainWindow::slotVRLockStatus(bool password, quint8 level)
+{
+    lock_enabled = password;
+    lock_level = level;
+    status_widget->setLockLabel(lock_enabled, lock_level == 0);
+}
+
+void MainWindow::askDisconnect()
+{
+    const auto answer = showMessage(
+        tr("TK-7 Router"),
+        tr("Are you sure want disconnected from the TK-7 Router? If you will disconnect, router "
+           "load all rules from the internal memory."),
+        QMessageBox::Question, QMessageBox::Ok | QMessageBox::Cancel);
+    if (answer == QMessageBox::Ok)
+        send(Commands::Disconnect);
+}
+
+void MainWindow::slotVRSendDisconnect()
+{
+    resetConnectionView();
+    link->closePort();
+    leaveConnection();
+    crs_errors = 0;
+    UpdateCrsErrorsLabel();
+}

@@ -1,0 +1,170 @@
+#include "mainwindow/mainwindow.h"
+#include "mainwindow/matrixstyle.h"
+#include "mainwindow/statuswidget.h"
+#include "model/viewcode.h"
+#include "ui_mainwindow.h"
+#include "widgets/uiscale.h"
+
+#include <QListWidget>
+
+#include <cmath>
+
+namespace {
+
+constexpr int maxMonitorRows = 100;
+constexpr int maxCountedErrors = 99999; // counted up from at most, so the count ends at 100000
+constexpr int topBarHeight = 47;        // design pixels
+constexpr int stripHeight = 30;         // design pixels of the folded panel
+constexpr int speedViewWidth = 50;      // design pixels
+
+int rounded(int length)
+{
+    return int(std::lround(length * ui_scale()));
+}
+
+} // namespace
+
+void MainWindow::slotNMEAReceive(QString str)
+{
+    if (connected && !ViewCode(view_code).isNone())
+        AddMonitorLine(str);
+}
+
+void MainWindow::AddMonitorLine(const QString &line)
+{
+    if (!play_enabled)
+        return;
+    QString shown = line;
+    while (shown.endsWith(QLatin1Char('\r')) || shown.endsWith(QLatin1Char('\n')))
+        shown.chop(1);
+    pending_lines += shown;
+}
+
+void MainWindow::slotStringTimer()
+{
+    if (!play_enabled || pending_lines.isEmpty())
+        return;
+    QListWidget *list = status_widget->listWidget;
+    list->addItems(pending_lines);
+    pending_lines.clear();
+    while (list->count() > maxMonitorRows)
+        delete list->takeItem(0);
+    list->scrollToItem(list->item(list->count() - 1));
+}
+
+void MainWindow::slotPlayNMEA()
+{
+    if (play_enabled)
+        pending_lines.clear();
+    setPlay(!play_enabled);
+}
+
+void MainWindow::setPlay(bool play)
+{
+    play_enabled = play;
+    status_widget->pushButton_play->setIcon(QIcon(play
+                                                      ? QStringLiteral(":/icons/player_pause.png")
+                                                      : QStringLiteral(":/icons/player_play.png")));
+}
+
+void MainWindow::slotVRPortView(quint8 port)
+{
+    const ViewCode code(port);
+    if (!connected || !code.isValid())
+        return;
+    view_code = port;
+    const QString text = code.text();
+    if (!code.isNone())
+        setPlay(true);
+    status_widget->label_receive_port->setText(text);
+    AddMonitorLine(QStringLiteral("---- %1 ----").arg(text));
+    SetViewColors(port);
+}
+
+void MainWindow::slotCRSError()
+{
+    if (crs_errors > maxCountedErrors)
+        return;
+    ++crs_errors;
+    UpdateCrsErrorsLabel();
+}
+
+void MainWindow::UpdateCrsErrorsLabel()
+{
+    QLabel *count = status_widget->labelCrsErrorsCount;
+    const bool hasErrors = crs_errors != 0;
+    count->setText(connected ? QString::number(crs_errors) : QString());
+    count->setStyleSheet(hasErrors ? MatrixStyle::errorCount : MatrixStyle::noErrorCount);
+    count->setVisible(hasErrors);
+    status_widget->labelCrsLabel->setVisible(hasErrors);
+}
+
+void MainWindow::fixPanelHeight(int height)
+{
+    ui->statusBar->setFixedHeight(height);
+    status_widget->layOut(QSize(width(), height));
+}
+
+void MainWindow::slotButSmallStatus()
+{
+    const int strip = rounded(stripHeight);
+    remembered_panel_size = status_widget->frameSize();
+    QRect place = geometry();
+    place.setBottom(place.bottom() - (remembered_panel_size.height() - strip));
+
+    status_widget->fold(strip);
+    ui->statusBar->hide();
+    fixPanelHeight(strip);
+    ui->statusBar->show();
+
+    setMaximumHeight(small_size.height());
+    setMinimumHeight(int(topBarHeight * ui_scale()) + strip);
+    setGeometry(place);
+}
+
+void MainWindow::slotButBigStatus()
+{
+    const int strip = rounded(stripHeight);
+    const bool isLow = height() < small_size.height();
+    const int panelHeight = isLow ? panel_size.height() : remembered_panel_size.height();
+    QRect place = geometry();
+    place.setBottom(place.bottom() + (panelHeight - strip));
+
+    status_widget->unfold(strip);
+    fixPanelHeight(panelHeight);
+
+    setMaximumHeight(2 * big_size.height());
+    setMinimumHeight(int(topBarHeight * ui_scale()) + panelHeight);
+    setGeometry(place);
+}
+
+void MainWindow::slotButViewSpeed()
+{
+    const int delta = rounded(speedViewWidth);
+    speed_visible = !speed_visible;
+    SpeedViewWidths widths = narrow_widths;
+    if (speed_visible) {
+        for (int *width :
+             {&widths.window, &widths.area, &widths.contents, &widths.heading, &widths.top_frame}) {
+            *width += delta;
+        }
+    }
+    setViewWidths(widths);
+    status_widget->pushButton_view_speed->setIcon(
+        QIcon(speed_visible ? QStringLiteral(":/icons/arrow_left.png")
+                            : QStringLiteral(":/icons/arrow_right.png")));
+    for (const InputRow &row : input_rows)
+        row.speed_label->setVisible(speed_visible);
+}
+
+void MainWindow::setViewWidths(const SpeedViewWidths &widths)
+{
+    const int delta = widths.window - width();
+    ui->scrollAreaInputPorts->setFixedWidth(widths.area);
+    ui->frame_input_ports->setFixedWidth(widths.contents);
+    ui->label_input_ports->setFixedWidth(widths.heading);
+    ui->frame->setFixedWidth(widths.top_frame);
+    status_widget->widen(delta);
+    setFixedWidth(widths.window);
+    resize(widths.window, height());
+}
