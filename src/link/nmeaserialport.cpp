@@ -282,6 +282,7 @@ void NmeaSerialPort::slot_send_timer()
         return;
     // The slots close the port at once, and closing drops what QSerialPort still holds.
     serial->flush();
+    platform::drain(*serial);
     emit signalVRSendDisconnect();
 }
 

@@ -36,4 +36,11 @@ QString publishedPortsFolder();
  */
 bool hasHungUp(const QSerialPort &port);
 
+/*!
+ * Waits until what was written to the open \a port has left the computer, a few milliseconds at
+ * most for a sentence. Closing a port sets the speed back that it had before, also for bytes that
+ * are still on their way.
+ */
+void drain(QSerialPort &port);
+
 } // namespace platform

@@ -9,6 +9,7 @@
 
 #include <poll.h>
 #include <sys/stat.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace platform {
@@ -82,6 +83,11 @@ bool hasHungUp(const QSerialPort &port)
     pollfd state = {};
     state.fd = port.handle();
     return ::poll(&state, 1, 0) > 0 && (state.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
+}
+
+void drain(QSerialPort &port)
+{
+    tcdrain(port.handle());
 }
 
 } // namespace platform

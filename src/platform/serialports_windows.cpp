@@ -1,6 +1,9 @@
 #include "platform/serialports.h"
 
+#include <QSerialPort>
 #include <QSerialPortInfo>
+
+#include <windows.h>
 
 namespace platform {
 
@@ -29,6 +32,11 @@ QString serialPortDevice(const QString &name)
 bool hasHungUp(const QSerialPort &)
 {
     return false;
+}
+
+void drain(QSerialPort &port)
+{
+    FlushFileBuffers(port.handle());
 }
 
 } // namespace platform
