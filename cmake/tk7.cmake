@@ -25,18 +25,28 @@ function(tk7_add_library name)
     target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE tk7_options)
 endfunction()
 
+# A runtime folder of the tests' own, as the desktop session has one.
+set(TK7_TEST_RUNTIME ${CMAKE_BINARY_DIR}/test-runtime)
+file(MAKE_DIRECTORY ${TK7_TEST_RUNTIME})
+if(UNIX)
+    execute_process(COMMAND chmod 700 ${TK7_TEST_RUNTIME})
+endif()
+
 # tk7_add_test(NAME sources... LINK libs... TIMEOUT seconds LABELS labels...): one QtTest program.
 function(tk7_add_test name)
     cmake_parse_arguments(arg "RUN_SERIAL" "TIMEOUT" "LINK;LABELS" ${ARGN})
     add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
     target_link_libraries(${name} PRIVATE ${arg_LINK} Qt5::Test tk7_options)
+    if(TK7_SANITIZE)
+        target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/leakcheck.cpp)
+    endif()
     add_test(NAME ${name} COMMAND ${name})
     if(NOT arg_TIMEOUT)
         set(arg_TIMEOUT 60)
     endif()
     set_tests_properties(${name} PROPERTIES
         TIMEOUT ${arg_TIMEOUT}
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=qt.qpa.*=false"
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_FONT_DPI=96;XDG_RUNTIME_DIR=${TK7_TEST_RUNTIME}"
         LABELS "${arg_LABELS}")
     if(arg_RUN_SERIAL)
         set_tests_properties(${name} PROPERTIES RUN_SERIAL ON)

@@ -1,0 +1,127 @@
+// How long the tool takes from the start of its process to its first painted window, and how much
+// memory it holds then, beside an empty QMainWindow of the same toolkit.
+//
+// Starts itself once for each measurement. Runs on the platform that QT_QPA_PLATFORM names.
+
+#include "mainwindow/mainwindow.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QMainWindow>
+#include <QProcess>
+#include <QTimer>
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+constexpr int runs = 21;              // odd, for a median that was measured
+constexpr int childTimeLimit = 30000; // ms
+
+struct Sample
+{
+    double milliseconds = 0;
+    double megabytes = 0;
+};
+
+qint64 now()
+{
+    timespec time = {};
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    return qint64(time.tv_sec) * 1000000 + time.tv_nsec / 1000;
+}
+
+qint64 residentBytes()
+{
+    QFile statm(QStringLiteral("/proc/self/statm"));
+    if (!statm.open(QIODevice::ReadOnly))
+        return 0;
+    const QList<QByteArray> pages = statm.readAll().split(' ');
+    return pages.size() > 1 ? pages.at(1).toLongLong() * sysconf(_SC_PAGESIZE) : 0;
+}
+
+// Ends the event loop after the first paint of the window has reached the screen.
+class FirstPaint : public QObject
+{
+public:
+    explicit FirstPaint(QWidget *window) : QObject(window) { window->installEventFilter(this); }
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint && !m_seen) {
+            m_seen = true;
+            QTimer::singleShot(0, qApp, &QApplication::quit);
+        }
+        return false;
+    }
+
+private:
+    bool m_seen = false;
+};
+
+template <typename Window> int runChild(int argc, char *argv[], qint64 started)
+{
+    QApplication application(argc, argv);
+    Window window;
+    new FirstPaint(&window);
+    window.show();
+    QApplication::exec();
+    std::printf("%lld %lld\n", static_cast<long long>(now() - started),
+                static_cast<long long>(residentBytes()));
+    return 0;
+}
+
+bool measure(const QString &what, Sample &median)
+{
+    std::vector<double> times;
+    std::vector<double> sizes;
+    for (int run = 0; run < runs; ++run) {
+        QProcess child;
+        child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        child.start(QCoreApplication::applicationFilePath(),
+                    {QStringLiteral("--child"), what, QString::number(now())});
+        if (!child.waitForFinished(childTimeLimit) || child.exitCode() != 0)
+            return false;
+        const QList<QByteArray> numbers = child.readAllStandardOutput().trimmed().split(' ');
+        if (numbers.size() != 2)
+            return false;
+        times.push_back(numbers.at(0).toDouble() / 1e3);
+        sizes.push_back(numbers.at(1).toDouble() / (1024 * 1024));
+    }
+    std::sort(times.begin(), times.end());
+    std::sort(sizes.begin(), sizes.end());
+    median = {times[runs / 2], sizes[runs / 2]};
+    return true;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    if (argc == 4 && qstrcmp(argv[1], "--child") == 0) {
+        const qint64 started = QByteArray(argv[3]).toLongLong();
+        return qstrcmp(argv[2], "tool") == 0 ? runChild<MainWindow>(argc, argv, started)
+                                             : runChild<QMainWindow>(argc, argv, started);
+    }
+
+    const QCoreApplication application(argc, argv);
+    Sample empty;
+    Sample tool;
+    if (!measure(QStringLiteral("empty"), empty) || !measure(QStringLiteral("tool"), tool)) {
+        std::fprintf(stderr, "bench_startup: a measured process failed\n");
+        return 1;
+    }
+    std::printf(
+        "start to first painted window, median of %d runs, platform %s\n", runs,
+        qEnvironmentVariable("QT_QPA_PLATFORM", QStringLiteral("default")).toUtf8().constData());
+    std::printf("%-24s %12s %14s\n", "window", "start [ms]", "resident [MB]");
+    std::printf("%-24s %12.1f %14.1f\n", "empty QMainWindow", empty.milliseconds, empty.megabytes);
+    std::printf("%-24s %12.1f %14.1f\n", "tool", tool.milliseconds, tool.megabytes);
+    std::printf("%-24s %12.1f %14.1f\n", "difference", tool.milliseconds - empty.milliseconds,
+                tool.megabytes - empty.megabytes);
+    return 0;
+}

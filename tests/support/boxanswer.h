@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QList>
+#include <QMessageBox>
+#include <QObject>
+#include <QPointer>
+#include <QStringList>
+#include <QTimer>
+
+/*!
+ * Answers modal message boxes as a user would, after a look at the whole box.
+ *
+ * The boxes that a test expects are listed in their order; each is compared in title, text, icon
+ * and buttons and then clicked. A box that differs, or that nobody expected, is closed and kept in
+ * problems(), so that a test never hangs in it.
+ */
+class BoxAnswer : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Box
+    {
+        QString title;
+        QString text;
+        QMessageBox::Icon icon = QMessageBox::NoIcon;
+        QMessageBox::StandardButtons buttons = QMessageBox::Ok;
+        QMessageBox::StandardButton click = QMessageBox::Ok; //!< NoButton leaves the box open
+    };
+
+    explicit BoxAnswer(QObject *parent = nullptr);
+
+    BoxAnswer &expect(const Box &box);
+
+    /*! How many of the expected boxes have come. */
+    int answered() const { return m_answered; }
+
+    /*! Whether every expected box has come and no other. */
+    bool isDone() const { return m_problems.isEmpty() && m_answered == m_expected.size(); }
+
+    /*! What was wrong, for the message of a failing test; tells of missing boxes too. */
+    QString report() const;
+
+private:
+    void look();
+    void answer(QMessageBox *box);
+
+    QTimer m_timer;
+    QList<Box> m_expected;
+    int m_answered = 0;
+    QStringList m_problems;
+    QPointer<QMessageBox> m_leftOpen;
+};
