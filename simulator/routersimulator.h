@@ -1,0 +1,193 @@
+#pragma once
+
+#include "simulator/faults.h"
+#include "simulator/routerconfig.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QObject>
+#include <QString>
+
+#include <memory>
+
+namespace tk7sim {
+
+/*! Bytes that came from the tool, and when. */
+struct ReceivedLine
+{
+    QByteArray line;     //!< from its '$' to its LF, both included
+    qint64 microseconds; //!< of the steady clock, see RouterSimulator::now()
+    int lineSpeed;       //!< baud to which the terminal was set
+};
+
+/*! What went wrong on the line, counted since the start or the last resetCounters(). */
+struct Counters
+{
+    quint64 garbageBytes = 0;     //!< heard at another speed than the router's
+    quint64 checksumErrors = 0;   //!< checked sentences with a wrong checksum, ignored
+    quint64 refusedSentences = 0; //!< understood, but with a number or a text out of range, ignored
+    quint64 unknownSentences = 0; //!< not in the router's table, or before a connection, ignored
+    quint64 lostBytes = 0;        //!< sent while nobody read
+};
+
+/*!
+ * A TK-7 router behind a pseudo-terminal.
+ *
+ * It plays the router's side of the line: finds its speed with the tool, sends its configuration,
+ * takes changes, saves them, shows the traffic of a port. Nothing blocks; everything happens in the
+ * event loop of the thread in which open() is called, and all functions are called there.
+ *
+ * Nothing is published by default, so that tests can run side by side; a port is opened by its
+ * deviceName() then.
+ */
+class RouterSimulator : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr int fastSpeed = 115200; //!< where every handshake ends
+    static constexpr int defaultStartSpeed = 4800;
+    static constexpr int maxTranscript = 10000; //!< older entries are dropped
+
+    explicit RouterSimulator(QObject *parent = nullptr);
+    ~RouterSimulator() override;
+
+    // The terminal
+
+    /*!
+     * Opens a pseudo-terminal and publishes it if a name was set. False, and errorString(), if the
+     * system has no pseudo-terminal to give. A name that can't be published is no failure:
+     * portName() is empty then and publishError() says why.
+     */
+    bool open();
+    //! Closes the terminal and takes the published name away; the router lives on, as after
+    //! unplug(). The destructor does so too.
+    void close();
+    bool isOpen() const;
+    QString errorString() const;
+
+    //! The name under which open() and plug() publish the terminal; empty: not at all.
+    void setPublishedName(const QString &name);
+    QString publishError() const;
+    //! The published name, as in a list of ports; empty if the terminal isn't published.
+    QString portName() const;
+    //! The published link with its path; empty if the terminal isn't published.
+    QString linkPath() const;
+    //! The terminal that the tool opens, such as /dev/pts/3; empty if closed or unplugged.
+    QString deviceName() const;
+
+    //! Pulls the cable out: the terminal vanishes. The router lives on.
+    void unplug();
+    //! Puts the cable back: a new terminal, published under the same name.
+    bool plug();
+    bool isPlugged() const;
+
+    // The line
+
+    //! The router's speed before a handshake: 2400, 4800, 9600, 19200, 38400, 57600 or 115200.
+    int startSpeed() const;
+    //! Sets the start speed, at once if no tool is connected; false if it isn't one of the seven.
+    bool setStartSpeed(int baud);
+    //! The router's present speed.
+    int speed() const;
+    //! The speed to which the terminal is set at present; 0 if closed or not one of the seven.
+    int lineSpeed() const;
+    //! True if the router goes back to its start speed when a connection ends (the default).
+    bool returnsToStartSpeed() const;
+    void setReturnsToStartSpeed(bool on);
+
+    //! A handshake has ended at 115200 baud, and the tool has neither left nor been silent since.
+    bool isConnected() const;
+    //! How often a query has been answered at 115200 baud.
+    int handshakes() const;
+    //! Milliseconds without a line from the tool that end a connection; 0: never. Default 10000.
+    int silenceLimit() const;
+    void setSilenceLimit(int milliseconds);
+    //! Power off and on: what isn't in the EEPROM is lost.
+    void restart();
+
+    // What the router knows
+
+    const RouterConfig &working() const;
+    void setWorking(const RouterConfig &config);
+    const RouterConfig &eeprom() const;
+    void setEeprom(const RouterConfig &config);
+    /*!
+     * Keeps the EEPROM in the file \a path: loads it, into the working configuration too, or, where
+     * it doesn't exist yet, goes on with the present EEPROM. False if the file can't be used, with
+     * the reason in errorString(); the factory set-up stands then, and the next save writes the
+     * file anew.
+     */
+    bool setEepromFile(const QString &path);
+
+    //! The port under view: 255 none, 240 + p input p, 16 o + 15 output o, 16 o + c its channel c.
+    int view() const;
+    //! The port field of the router's answer to a query, 0 to 11.
+    void setControlPort(int port);
+    void setVersion(int major, int minor);
+    void setMode(const QByteArray &text);
+    void setError(quint16 code, quint8 fault);
+    void setFlashBank(int bank);
+    //! What is reported of the lock; \a level is 0 (locked) to 5. A locked router refuses a save.
+    void setLock(bool enabled, int level);
+    //! How long writing the EEPROM takes, in milliseconds. Default 300.
+    void setSaveDuration(int milliseconds);
+    //! Times the usual number of lines of the port under view; 0: none. Default 1.
+    void setTrafficRate(double rate);
+    //! Seed of everything random, so that a run can be repeated.
+    void setSeed(quint32 seed);
+
+    // Faults
+
+    //! Sets \a fault with the default value of its row in faultTable().
+    void setFault(Fault fault);
+    //! Sets \a fault with \a value, cut to its range. A time after a connection runs from now on if
+    //! the tool is connected.
+    void setFault(Fault fault, double value);
+    void clearFault(Fault fault);
+    void clearFaults();
+    bool hasFault(Fault fault) const;
+
+    // The other side, as it was heard
+
+    //! The steady clock of all times here, in microseconds.
+    static qint64 now();
+    //! The lines heard at the router's own speed, whatever became of them.
+    const QList<ReceivedLine> &transcript() const;
+    //! The bytes that came at other speeds, as they were read; what a scan has tried.
+    const QList<ReceivedLine> &overheard() const;
+    //! Forgets both lists.
+    void clearTranscript();
+    Counters counters() const;
+    void resetCounters();
+
+    // Sending by hand
+
+    //! Queues \a bytes as they are.
+    void sendLine(const QByteArray &bytes);
+    //! Queues \a body ("$VRVER,3.5") with its checksum and CR LF.
+    void sendChecked(const QByteArray &body);
+
+signals:
+    //! A line from the tool, before the router acts on it.
+    void lineReceived(const QByteArray &line);
+    //! A line from the router, when it enters the queue.
+    void lineSent(const QByteArray &line);
+    void connectedChanged(bool connected);
+    //! The end of a save; \a ok is what the tool is told.
+    void saved(bool ok);
+    void viewChanged(int viewCode);
+    void speedChanged(int baud);
+    //! The working configuration has changed by what the tool sent.
+    void configurationChanged();
+    //! The cable was put in or pulled out.
+    void pluggedChanged(bool plugged);
+    //! Something that the user of the program should read.
+    void message(const QString &text);
+
+private:
+    class Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace tk7sim

@@ -1,0 +1,427 @@
+#include "simulator/aisencoder.h"
+#include "simulator/monitorfeed.h"
+#include "simulator/nmeaequipment.h"
+#include "simulator/sentence.h"
+#include "simulator/ship.h"
+#include "simulator/trafficgenerator.h"
+
+#include <QSet>
+#include <QSignalSpy>
+#include <QtTest>
+
+#include <cmath>
+
+using namespace tk7sim;
+
+namespace {
+
+const QDateTime start(QDate(2024, 2, 29), QTime(23, 59, 50), Qt::UTC);
+constexpr qint64 minute = 60000;
+constexpr int maxNmeaLine = 80; // without CR LF
+
+QByteArray formatter(const QByteArray &line)
+{
+    return line.mid(3, 3);
+}
+
+QByteArrayList fields(const QByteArray &line)
+{
+    return line.left(line.indexOf('*')).split(',');
+}
+
+double arc(const QByteArray &field, int degreeDigits)
+{
+    return field.left(degreeDigits).toDouble() + field.mid(degreeDigits).toDouble() / 60;
+}
+
+// Takes the bits of an AIS payload apart again.
+class Bits
+{
+public:
+    explicit Bits(const QByteArray &payload)
+    {
+        for (const char c : payload) {
+            const int value = c < 'X' ? c - '0' : c - '0' - 8;
+            for (int bit = 5; bit >= 0; --bit) {
+                m_bits.append((value >> bit) & 1);
+            }
+        }
+    }
+    int size() const { return m_bits.size(); }
+    quint32 number(int at, int width) const
+    {
+        quint32 value = 0;
+        for (int i = at; i < at + width; ++i) {
+            value = value * 2 + static_cast<quint32>(m_bits.at(i));
+        }
+        return value;
+    }
+    QByteArray text(int at, int length) const
+    {
+        QByteArray result;
+        for (int i = 0; i < length; ++i) {
+            const auto value = static_cast<char>(number(at + i * 6, 6));
+            result.append(value < 32 ? static_cast<char>(value + 64) : value);
+        }
+        return result;
+    }
+
+private:
+    QVector<int> m_bits;
+};
+
+} // namespace
+
+class TestSimTraffic : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void portsHaveCharacter_data();
+    void portsHaveCharacter();
+    void sparePortIsSilent();
+    void checksumsAreRight();
+    void rateIsBelievable();
+    void rateIsAFactor();
+    void spansJoin();
+    void timeIsTold();
+    void positionMoves();
+    void headingTurns();
+    void courseLeadsWhereItSays();
+    void aisPositionReports();
+    void aisVoyageDataFitsTogether();
+    void aisLayout();
+    void viewOfNothing();
+    void viewOfInput();
+    void viewOfChannel();
+    void viewOfReserve();
+    void viewOfOutputMerges();
+    void viewOfAbsurdCodes();
+    void feedRunsOnlyWhileViewed();
+};
+
+void TestSimTraffic::portsHaveCharacter_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QByteArrayList>("formatters");
+    const auto row = [](const char *name, const QByteArrayList &formatters) {
+        QTest::newRow(name) << QByteArray(name) << formatters;
+    };
+    row("GPS 1", {"GGA", "GLL", "RMC", "VTG", "ZDA"});
+    row("GPS 2", {"GGA", "GLL", "RMC", "VTG", "ZDA"});
+    row("GYRO", {"HDT", "ROT"});
+    row("AIS", {"VDM", "VDO"});
+    row("DEPTH", {"DBT", "DPT"});
+    row("LOG", {"VBW", "VHW"});
+    row("WIND", {"MWV"});
+    row("RADAR X", {"RSD", "TTM"});
+    row("ECDIS", {"APB", "XTE"});
+    row("FLUXGATE", {"HDG", "HDM"});
+    row("WEATHER", {"MTW", "MWV", "XDR"});
+}
+
+// The factory set-up's names say what is wired to the ports.
+void TestSimTraffic::portsHaveCharacter()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(QByteArrayList, formatters);
+    const auto &names = RouterConfig::factory().inputNames;
+    const auto port = std::distance(names.begin(), std::find(names.begin(), names.end(), name));
+    QSet<QByteArray> seen;
+    const auto lines = TrafficGenerator(start).inputTraffic(static_cast<int>(port), 0, minute);
+    for (const TrafficLine &line : lines) {
+        seen.insert(formatter(line.text));
+    }
+    QByteArrayList sorted(seen.cbegin(), seen.cend());
+    std::sort(sorted.begin(), sorted.end());
+    QCOMPARE(sorted, formatters);
+}
+
+void TestSimTraffic::sparePortIsSilent()
+{
+    TrafficGenerator generator(start);
+    QVERIFY(generator.inputTraffic(11, 0, minute).isEmpty());
+    QVERIFY(generator.inputTraffic(noPort, 0, minute).isEmpty());
+    QVERIFY(generator.inputTraffic(-1, 0, minute).isEmpty());
+    QVERIFY(RouterConfig::factory().inputNames[11].isEmpty());
+}
+
+void TestSimTraffic::checksumsAreRight()
+{
+    TrafficGenerator generator(start);
+    for (int port = 0; port < portCount; ++port) {
+        for (const TrafficLine &line : generator.inputTraffic(port, 0, minute)) {
+            QVERIFY(line.text.startsWith('$') || line.text.startsWith('!'));
+            QVERIFY2(line.text.size() <= maxNmeaLine, line.text.constData());
+            const int star = line.text.indexOf('*');
+            QCOMPARE(star, line.text.size() - 3);
+            quint8 sum = 0;
+            for (int i = 1; i < star; ++i) {
+                sum = static_cast<quint8>(sum ^ static_cast<quint8>(line.text.at(i)));
+            }
+            QCOMPARE(line.text.mid(star + 1).toInt(nullptr, 16), int(sum));
+        }
+    }
+}
+
+void TestSimTraffic::rateIsBelievable()
+{
+    TrafficGenerator generator(start);
+    for (int port = 0; port < portCount - 1; ++port) {
+        const int perMinute = generator.inputTraffic(port, 0, minute).size();
+        QVERIFY2(perMinute >= 60 && perMinute <= 600, qPrintable(QString::number(perMinute)));
+    }
+}
+
+void TestSimTraffic::rateIsAFactor()
+{
+    TrafficGenerator generator(start);
+    const int usual = generator.inputTraffic(0, 0, minute).size();
+    generator.setRate(10);
+    QCOMPARE(generator.inputTraffic(0, 0, minute).size() / 10, usual);
+    generator.setRate(0.5);
+    QCOMPARE(generator.inputTraffic(0, 0, minute).size() * 2, usual);
+    generator.setRate(0);
+    QVERIFY(generator.inputTraffic(0, 0, minute).isEmpty());
+}
+
+// However the time is cut into spans, the same lines come, each once.
+void TestSimTraffic::spansJoin()
+{
+    TrafficGenerator generator(start);
+    for (const double rate : {1.0, 0.7, 3.3}) {
+        generator.setRate(rate);
+        const auto whole = generator.inputTraffic(0, 0, minute);
+        QVector<TrafficLine> joined;
+        for (qint64 from = 0; from < minute;) {
+            const qint64 to = qMin(from + 1 + (from * 7) % 130, minute);
+            joined += generator.inputTraffic(0, from, to);
+            from = to;
+        }
+        QCOMPARE(joined.size(), whole.size());
+        for (int i = 0; i < whole.size(); ++i) {
+            QCOMPARE(joined.at(i).text, whole.at(i).text);
+        }
+    }
+}
+
+void TestSimTraffic::timeIsTold()
+{
+    TrafficGenerator generator(start);
+    QByteArrayList dates;
+    QByteArrayList times;
+    for (const TrafficLine &line : generator.inputTraffic(0, 0, minute)) {
+        if (formatter(line.text) == "RMC") {
+            times.append(fields(line.text).at(1));
+            dates.append(fields(line.text).at(9));
+        }
+    }
+    QCOMPARE(times.constFirst(), QByteArray("235951.00"));
+    QCOMPARE(dates.constFirst(), QByteArray("290224"));
+    QCOMPARE(times.constLast(), QByteArray("000050.00"));
+    QCOMPARE(dates.constLast(), QByteArray("010324"));
+}
+
+void TestSimTraffic::positionMoves()
+{
+    TrafficGenerator generator(start);
+    QVector<QPointF> track;
+    for (const TrafficLine &line : generator.inputTraffic(0, 0, 10 * minute)) {
+        if (formatter(line.text) == "GGA") {
+            const auto f = fields(line.text);
+            QCOMPARE(f.at(3), QByteArray("N"));
+            QCOMPARE(f.at(5), QByteArray("E"));
+            track.append({arc(f.at(4), 3), arc(f.at(2), 2)});
+        }
+    }
+    // A ship of some 12 knots makes some 2 miles in ten minutes.
+    const QPointF way = track.constLast() - track.constFirst();
+    const double miles = std::hypot(way.x() * 60 * std::cos(54.2 * M_PI / 180), way.y() * 60);
+    QVERIFY2(miles > 1.8 && miles < 2.3, qPrintable(QString::number(miles)));
+}
+
+void TestSimTraffic::headingTurns()
+{
+    QSet<QByteArray> headings;
+    for (const TrafficLine &line : TrafficGenerator(start).inputTraffic(2, 0, minute)) {
+        if (formatter(line.text) == "HDT") {
+            const double heading = fields(line.text).at(1).toDouble();
+            QVERIFY(heading >= 0 && heading < 360);
+            headings.insert(fields(line.text).at(1));
+        }
+    }
+    QVERIFY(headings.size() > 5);
+}
+
+void TestSimTraffic::courseLeadsWhereItSays()
+{
+    for (const double knots : {12.0, -12.0}) {
+        const CircularCourse course{54, 7, 5, knots, 300};
+        for (int time = 0; time < 20000; time += 777) {
+            const Fix here = course.at(time);
+            const Fix there = course.at(time + 10);
+            const double north = there.latitude - here.latitude;
+            const double east = (there.longitude - here.longitude) * std::cos(54 * M_PI / 180);
+            const double bearing = normalized(std::atan2(east, north) * 180 / M_PI);
+            const double off = std::fabs(bearing - here.course);
+            QVERIFY2(off < 1 || off > 359, qPrintable(QString::number(off)));
+            QVERIFY(std::fabs(std::hypot(north, east) * 60 - 12.0 / 360) < 0.001);
+        }
+    }
+}
+
+void TestSimTraffic::aisPositionReports()
+{
+    QSet<quint32> ships;
+    for (const TrafficLine &line : TrafficGenerator(start).inputTraffic(3, 0, minute)) {
+        const auto f = fields(line.text);
+        const Bits bits(f.at(5));
+        if (f.at(1) != "1" || bits.number(0, 6) != 1) {
+            continue;
+        }
+        QCOMPARE(bits.size(), 168);
+        QCOMPARE(f.at(6), QByteArray("0"));
+        ships.insert(bits.number(8, 30));
+        QVERIFY(std::fabs(bits.number(61, 28) / 600000.0 - 7.4) < 1);
+        QVERIFY(std::fabs(bits.number(89, 27) / 600000.0 - 54.2) < 0.5);
+        QVERIFY(bits.number(116, 12) < 3600);
+        QVERIFY(bits.number(128, 9) < 360);
+        QVERIFY(bits.number(137, 6) < 60);
+    }
+    QVERIFY(ships.size() >= 8);
+}
+
+void TestSimTraffic::aisVoyageDataFitsTogether()
+{
+    QHash<QByteArray, QByteArray> firstParts;
+    QSet<QByteArray> names;
+    for (const TrafficLine &line : TrafficGenerator(start).inputTraffic(3, 0, minute)) {
+        const auto f = fields(line.text);
+        if (f.at(1) != "2") {
+            continue;
+        }
+        if (f.at(2) == "1") {
+            firstParts.insert(f.at(3) + f.at(4), f.at(5));
+            continue;
+        }
+        const Bits bits(firstParts.take(f.at(3) + f.at(4)) + f.at(5));
+        QCOMPARE(bits.size() - f.at(6).toInt(), 424);
+        QCOMPARE(bits.number(0, 6), 5U);
+        names.insert(bits.text(112, 20));
+    }
+    QVERIFY(names.contains("NORDERNEY TRADER@@@@"));
+    QVERIFY(names.size() >= 8);
+}
+
+// Bit by bit, on a vessel that turns on the spot.
+void TestSimTraffic::aisLayout()
+{
+    const AisVessel vessel{
+        123456789, 9876543, "ABC12", "SHIP 1", "HOME", 70, {10.5, -20.25, 1e-9, 3.0, 0}};
+    const QByteArray body = aisPositionReport(vessel, 0, 42, 'B');
+    QVERIFY(body.startsWith("!AIVDM,1,1,,B,"));
+    const Bits report(body.split(',').at(5));
+    QCOMPARE(report.number(8, 30), 123456789U);
+    QCOMPARE(report.number(50, 10), 30U);
+    QCOMPARE(report.number(61, 28), (1U << 28) - 12150000U); // west is negative
+    QCOMPARE(report.number(89, 27), 6300000U);
+    QCOMPARE(report.number(116, 12), 900U);
+    QCOMPARE(report.number(128, 9), 90U);
+    QCOMPARE(report.number(137, 6), 42U);
+
+    const auto parts = aisVoyageData(vessel, 3, 'A');
+    QVERIFY(parts.at(0).startsWith("!AIVDM,2,1,3,A,"));
+    QVERIFY(parts.at(1).startsWith("!AIVDM,2,2,3,A,"));
+    QVERIFY(parts.at(0).endsWith(",0"));
+    QVERIFY(parts.at(1).endsWith(",2"));
+    const Bits voyage(parts.at(0).split(',').at(5) + parts.at(1).split(',').at(5));
+    QCOMPARE(voyage.number(8, 30), 123456789U);
+    QCOMPARE(voyage.number(40, 30), 9876543U);
+    QCOMPARE(voyage.text(70, 7), QByteArray("ABC12@@"));
+    QCOMPARE(voyage.text(112, 20), QByteArray("SHIP 1@@@@@@@@@@@@@@"));
+    QCOMPARE(voyage.number(232, 8), 70U);
+    QCOMPARE(voyage.text(302, 20), QByteArray("HOME@@@@@@@@@@@@@@@@"));
+}
+
+void TestSimTraffic::viewOfNothing()
+{
+    QVERIFY(TrafficGenerator(start)
+                .viewTraffic(viewNothing, RouterConfig::factory(), 0, minute)
+                .isEmpty());
+}
+
+void TestSimTraffic::viewOfInput()
+{
+    TrafficGenerator generator(start);
+    const auto seen = generator.viewTraffic(0xF2, RouterConfig(), 0, minute);
+    QCOMPARE(seen.size(), generator.inputTraffic(2, 0, minute).size());
+    QVERIFY(!seen.isEmpty());
+}
+
+void TestSimTraffic::viewOfChannel()
+{
+    RouterConfig config;
+    config.outputs[4].channels[7].mainInput = 4;
+    config.outputs[4].channels[7].reserveInput = 2;
+    config.outputs[4].channels[8].mainInput = 2;
+    TrafficGenerator generator(start);
+    const auto lines = generator.viewTraffic(0x47, config, 0, minute);
+    QCOMPARE(lines.size(), generator.inputTraffic(4, 0, minute).size());
+    QVERIFY(lines.constFirst().text.startsWith("$SD"));
+    QVERIFY(generator.viewTraffic(0x46, config, 0, minute).isEmpty());
+}
+
+void TestSimTraffic::viewOfReserve()
+{
+    RouterConfig config;
+    config.outputs[4].channels[7].reserveInput = 4;
+    const auto lines = TrafficGenerator(start).viewTraffic(0x47, config, 0, minute);
+    QVERIFY(!lines.isEmpty());
+    QVERIFY(lines.constFirst().text.startsWith("$SD"));
+}
+
+void TestSimTraffic::viewOfOutputMerges()
+{
+    RouterConfig config;
+    config.outputs[11].channels[0].mainInput = 4;
+    config.outputs[11].channels[11].mainInput = 2;
+    TrafficGenerator generator(start);
+    const auto lines = generator.viewTraffic(0xBF, config, 0, minute);
+    QCOMPARE(lines.size(),
+             generator.inputTraffic(4, 0, minute).size()
+                 + generator.inputTraffic(2, 0, minute).size());
+    for (int i = 1; i < lines.size(); ++i) {
+        QVERIFY(lines.at(i - 1).time <= lines.at(i).time);
+    }
+}
+
+void TestSimTraffic::viewOfAbsurdCodes()
+{
+    TrafficGenerator generator(start);
+    for (const int code : {-1, 12, 0xCF, 0xDD, 0xFC, 256, 4096, INT_MAX, INT_MIN}) {
+        QVERIFY(generator.viewTraffic(code, RouterConfig::factory(), 0, minute).isEmpty());
+    }
+}
+
+void TestSimTraffic::feedRunsOnlyWhileViewed()
+{
+    const RouterConfig config = RouterConfig::factory();
+    MonitorFeed feed(&config);
+    QSignalSpy lines(&feed, &MonitorFeed::lineDue);
+    const auto *timer = feed.findChild<QTimer *>();
+    QVERIFY(!timer->isActive());
+    feed.setView(0xF2);
+    QVERIFY(timer->isActive());
+    QTRY_VERIFY(lines.count() > 3);
+    QVERIFY(lines.constFirst().constFirst().toByteArray().startsWith("$HE"));
+    QVERIFY(lines.constFirst().constFirst().toByteArray().endsWith("\r\n"));
+    feed.setRate(0);
+    QVERIFY(!timer->isActive());
+    feed.setRate(1);
+    QVERIFY(timer->isActive());
+    feed.setView(viewNothing);
+    QVERIFY(!timer->isActive());
+}
+
+QTEST_GUILESS_MAIN(TestSimTraffic)
+#include "tst_simtraffic.moc"
