@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QRect>
+
+/*!
+ * Where everything in the tool's window is, in pixels of its contents.
+ *
+ * It is drawn after the window's description, in design pixels, and multiplied by the screen's
+ * scale. Ports and channels are numbered 0 to 11.
+ */
+class ScreenMap
+{
+public:
+    explicit ScreenMap(double scale) : m_scale(scale) { }
+
+    // The top bar
+    QRect portList() const;
+    QRect connectButton() const;
+    QRect saveInRouter() const;
+
+    // The column of the output ports
+    QRect outputButton(int port) const;
+    QRect outputSpeed(int port) const;
+    //! The text of the speed, without the frame of the box round it.
+    QRect outputSpeedText(int port) const;
+    //! A bare spot of the port's row, which shows whether the port is selected.
+    QRect outputRowGround(int port) const;
+    //! What is known of the connection.
+    QRect connectionLabels() const;
+
+    // The table of the channels
+    QRect channelButton(int channel) const;
+    QRect mainCell(int channel) const;
+    QRect reserveCell(int channel) const;
+    QRect filterCheck(int channel) const;
+    QRect crsCheck(int channel) const;
+    QRect hdrCheck(int channel) const;
+    QRect header(int channel) const;
+    QRect smartButton(int channel) const;
+
+    // The column of the input ports
+    QRect inputHome(int port) const;
+
+    // The panel at the bottom
+    QRect monitorTitle() const;
+    QRect monitorList() const;
+
+    //! The window's width.
+    int width() const;
+    //! A length in design pixels on this screen.
+    int scaled(int length) const { return static_cast<int>(length * m_scale); }
+    //! The label in \a frame, which is a cell of the table or an input port's home.
+    QRect labelIn(const QRect &frame) const;
+
+private:
+    QRect at(int x, int y, int width, int height) const;
+
+    double m_scale;
+};

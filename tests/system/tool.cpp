@@ -1,0 +1,201 @@
+#include "tool.h"
+
+#include "stepfailure.h"
+#include "wait.h"
+
+#include <QFile>
+
+#include <algorithm>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr int startLimit = 5000;  // ms
+constexpr int windowLimit = 3000; // ms
+constexpr int exitLimit = 3000;   // ms
+
+// A hand's way from one place to another.
+constexpr int glideSteps = 12;
+constexpr int glidePace = 8;  // ms a step
+constexpr int clickHold = 30; // ms from a press to its release
+
+} // namespace
+
+Tool::Tool() : m_map(m_desktop.scale()) { }
+
+Tool::~Tool()
+{
+    if (!isRunning())
+        return;
+    m_process.kill();
+    m_process.waitForFinished(exitLimit);
+}
+
+void Tool::start(const QString &program)
+{
+    await([this] { return m_desktop.hasWindowManager(); }, startLimit,
+          QStringLiteral("there is no window manager"));
+    m_process.start(program, QStringList());
+    await([this] { return m_process.state() == QProcess::Running; }, startLimit,
+          QStringLiteral("%1 doesn't start: %2").arg(program, m_process.errorString()));
+}
+
+bool Tool::isRunning() const
+{
+    return m_process.state() != QProcess::NotRunning;
+}
+
+double Tool::processorTime() const
+{
+    // The numbers of ticks in user and in kernel mode, counted from the field behind the name.
+    constexpr int userField = 11;
+    constexpr int kernelField = 12;
+    QFile file(QStringLiteral("/proc/%1/stat").arg(processId()));
+    require(file.open(QIODevice::ReadOnly), QStringLiteral("the tool's process has gone"));
+    const QByteArray line = file.readAll();
+    const QList<QByteArray> fields = line.mid(line.lastIndexOf(')') + 2).split(' ');
+    require(fields.size() > kernelField, QStringLiteral("the system doesn't tell of the process"));
+    const double ticks = fields[userField].toDouble() + fields[kernelField].toDouble();
+    return ticks / static_cast<double>(sysconf(_SC_CLK_TCK));
+}
+
+QString Tool::output()
+{
+    return QString::fromLocal8Bit(m_process.readAllStandardError()
+                                  + m_process.readAllStandardOutput());
+}
+
+QVector<XDesktop::Window> Tool::windows() const
+{
+    require(isRunning(), QStringLiteral("the tool has ended"));
+    return m_desktop.windowsOf(processId());
+}
+
+XDesktop::Window Tool::awaitWindow(const QString &title, int milliseconds)
+{
+    XDesktop::Window found;
+    QStringList seen;
+    const auto isThere = [&] {
+        seen.clear();
+        const QVector<XDesktop::Window> all = windows();
+        for (const XDesktop::Window &window : all) {
+            seen += QLatin1Char('"') + window.title + QLatin1Char('"');
+            const bool isSought = !window.isPopup && window.id != m_mainWindow
+                && window.title == title && m_desktop.focusWindow() == window.id;
+            if (isSought)
+                found = window;
+        }
+        return found.id != 0;
+    };
+    const bool hasCome = waitUntil(isThere, milliseconds);
+    require(hasCome,
+            QStringLiteral("no window \"%1\" has the keys after %2 ms; there are: %3")
+                .arg(title, QString::number(milliseconds), seen.join(QStringLiteral(", "))));
+    return found;
+}
+
+XDesktop::Window Tool::awaitPopup(int milliseconds)
+{
+    XDesktop::Window found;
+    const auto isThere = [&] {
+        const QVector<XDesktop::Window> all = windows();
+        for (const XDesktop::Window &window : all) {
+            if (window.isPopup)
+                found = window;
+        }
+        return found.id != 0;
+    };
+    await(isThere, milliseconds, QStringLiteral("nothing popped up"));
+    return found;
+}
+
+void Tool::awaitNoPopup()
+{
+    const auto isGone = [this] {
+        const QVector<XDesktop::Window> all = windows();
+        return std::none_of(all.begin(), all.end(), [](const auto &w) { return w.isPopup; });
+    };
+    await(isGone, windowLimit, QStringLiteral("what popped up stays"));
+}
+
+void Tool::acceptBox(const XDesktop::Window &box)
+{
+    m_desktop.strike("Return");
+    const auto isGone = [&] {
+        const QVector<XDesktop::Window> all = windows();
+        return std::none_of(all.begin(), all.end(), [&](const auto &w) { return w.id == box.id; })
+            && m_desktop.focusWindow() != box.id;
+    };
+    await(isGone, windowLimit, QStringLiteral("the box \"%1\" stays").arg(box.title));
+}
+
+void Tool::adoptMainWindow(const QString &title)
+{
+    m_mainWindow = awaitWindow(title, startLimit).id;
+}
+
+XDesktop::Window Tool::mainWindow() const
+{
+    const QVector<XDesktop::Window> all = windows();
+    for (const XDesktop::Window &window : all) {
+        if (window.id == m_mainWindow)
+            return window;
+    }
+    throw StepFailure{QStringLiteral("the main window has gone")};
+}
+
+QImage Tool::look(const QRect &place) const
+{
+    return m_desktop.picture(place.translated(mainWindow().place.topLeft()));
+}
+
+QImage Tool::picture() const
+{
+    QRect all;
+    const QVector<XDesktop::Window> each = windows();
+    for (const XDesktop::Window &window : each)
+        all |= window.frame;
+    return m_desktop.picture(all);
+}
+
+QPoint Tool::middleOf(const QRect &place) const
+{
+    return mainWindow().place.topLeft() + place.center();
+}
+
+void Tool::click(const QRect &place, XDesktop::Button button)
+{
+    glideTo(middleOf(place));
+    m_desktop.press(button);
+    runFor(clickHold);
+    m_desktop.release(button);
+}
+
+void Tool::glideTo(QPoint target)
+{
+    const QPoint start = m_desktop.pointer();
+    for (int i = 1; i <= glideSteps; ++i) {
+        m_desktop.moveTo(start + (target - start) * i / glideSteps);
+        runFor(glidePace);
+    }
+}
+
+void Tool::restMouse()
+{
+    m_desktop.moveTo(m_desktop.screen().bottomRight());
+}
+
+double shareOf(const QImage &image, const QColor &color)
+{
+    if (image.isNull())
+        return 0;
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        const auto *line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
+        count += static_cast<int>(std::count_if(line, line + image.width(), [&](QRgb pixel) {
+            return (pixel & RGB_MASK) == (color.rgb() & RGB_MASK);
+        }));
+    }
+    return static_cast<double>(count) / (image.width() * image.height());
+}
