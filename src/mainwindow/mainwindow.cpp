@@ -56,6 +56,7 @@ MainWindow::MainWindow(QWidget *parent)
 
 MainWindow::~MainWindow()
 {
+    hide(); // an open name editor loses the focus and tells so: that must find a whole window
     if (link) {
         link->closePort();
         delete link;
@@ -117,7 +118,12 @@ void MainWindow::connectWidgets()
     }
     for (const ChannelRow &row : channel_rows) {
         connect(row.view, &QPushButton::clicked, this, &MainWindow::slotChannelButtonClicked);
+        connect(row.filter, &QCheckBox::clicked, this, &MainWindow::slotFilterCheckChanged);
         connect(row.crs, &QCheckBox::clicked, this, &MainWindow::slotCrsCheckChanged);
+        connect(row.hdr, &QCheckBox::clicked, this, &MainWindow::slotHdrCheckChanged);
+        connect(row.hdr_set, &QPushButton::clicked, this, &MainWindow::slotHdrSetClicked);
+        connect(row.smart, &QPushButton::clicked, this, &MainWindow::slotSmartClicked);
+        connect(row.filter_set, &QPushButton::clicked, this, &MainWindow::slotFilterSetClicked);
     }
     connect(status_widget->pushButton_play, &QPushButton::clicked, this, &MainWindow::slotPlayNMEA);
     connect(status_widget->pushButton_view_small, &QPushButton::clicked, this,
@@ -126,6 +132,8 @@ void MainWindow::connectWidgets()
             &MainWindow::slotButBigStatus);
     connect(status_widget->pushButton_view_speed, &QPushButton::clicked, this,
             &MainWindow::slotButViewSpeed);
+    connect(ui->pushButton_SaveFile, &QPushButton::clicked, this, &MainWindow::slotSaveToFile);
+    connect(ui->pushButton_LoadFile, &QPushButton::clicked, this, &MainWindow::slotLoadFromFile);
     connect(ui->pushButton_return_input, &QPushButton::clicked, this,
             &MainWindow::slotReturnInputPorts);
     connect(string_timer, &QTimer::timeout, this, &MainWindow::slotStringTimer);

@@ -12,6 +12,7 @@
 
 QT_BEGIN_NAMESPACE
 class QCheckBox;
+class QFile;
 class QFrame;
 class QLabel;
 class QLineEdit;
@@ -22,6 +23,7 @@ class QTimer;
 QT_END_NAMESPACE
 
 class DragFrame;
+class FilterDlg;
 class NmeaSerialPort;
 class QMComboBox;
 class QMLineEdit;
@@ -50,6 +52,9 @@ public:
 
     const RouterModel &routerModel() const { return model; }
     bool isConnected() const { return connected; }
+
+    /*! The link of the connection in hand, or null. It may end in any run of the event loop. */
+    NmeaSerialPort *currentLink() const { return link; }
 
 signals:
     void exitWaitSaveDlg();
@@ -84,6 +89,10 @@ public slots:
     void slotVRSaveToEepromOk();
     void slotVRSaveToEepromError();
 
+    // Rule files
+    void slotSaveToFile();
+    void slotLoadFromFile();
+
     // Matrix
     void slotPressEvent(DragFrame *dframe);
     void slotReleaseEvent(DragFrame *dframe);
@@ -94,6 +103,14 @@ public slots:
     void slotCrsCheckChanged(bool state);
     void slotReturnInputPorts();
     void SetSmartButtonColor(quint8 channel, bool b_enable);
+
+    // Channel editors
+    void slotFilterSetClicked();
+    void slotRequestFilterList(uint mask);
+    void slotFilterCheckChanged(bool state);
+    void slotHdrCheckChanged(bool state);
+    void slotHdrSetClicked();
+    void slotSmartClicked();
 
     // Names and speeds
     void slotPortSpeedChanged(QString str);
@@ -117,6 +134,9 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    static constexpr int topBarHeight = 47; //!< design pixels that a low window keeps
+    static constexpr int stripHeight = 30; //!< design pixels of the folded panel
+
     /*! The widgets of one input channel of the selected output port. */
     struct ChannelRow
     {
@@ -194,12 +214,17 @@ private:
                                             QMessageBox::Icon icon,
                                             QMessageBox::StandardButtons buttons = QMessageBox::Ok);
 
+    // Rule files
+    void showSaveFileError(QFile &file, const QString &fileName);
+    void showLoadFileError(QFile &file, const QString &fileName);
+
     // Matrix
     quint8 FrameCode(const DragFrame *frame) const;
     ChannelRecord &channelRecord(int channel);
     void sendRule();
     void UpdateChannelRow(quint8 channel);
     void updateAllChannelRows();
+    void refreshMatrix();
     void RefreshInputLabels();
     void SetOutputPortColor(quint8 port, bool selected);
     void SetViewColors(quint8 code);
@@ -207,6 +232,18 @@ private:
     void SetPortLabelText(QLabel *label, quint8 port, const QString &name);
     bool takeDraggedPort(quint8 source, quint8 &port);
     bool isPortShown(quint8 port) const;
+
+    // Channel editors
+    /*! By output port: whether its first and its second six channels have got another filter. */
+    using FilterHalves = std::array<std::array<bool, 2>, OutputPortCount>;
+
+    void clearStaleFilterBits(FilterHalves &changed);
+    void sendFilterList();
+    void sendFilters(const FilterHalves &changed);
+    bool editHeader(int channel);
+    void sendHeaders();
+    bool editSmartFunction(int channel);
+    bool allowsSmartAis() const;
 
     // Names and speeds
     QString OutputPortButtonText(quint8 port) const;
@@ -238,6 +275,7 @@ private:
 
     NmeaSerialPort *link = nullptr;             //!< of the connection in hand; ends by deleteLater
     QProgressDialog *progress_dialog = nullptr; //!< during the handshake only
+    FilterDlg *filter_dialog = nullptr;         //!< while the filter editor is open
     WaitSaveDlg *wait_save_dialog = nullptr;    //!< while the router saves its rules
     QPointer<QMessageBox>
         message_box; //!< the open box; one that comes while it is open is its child

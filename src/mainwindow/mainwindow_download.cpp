@@ -6,11 +6,7 @@
 
 void MainWindow::slotVRUpdateVRData()
 {
-    if (current_output_port < OutputPortCount)
-        SetOutputPortColor(current_output_port, true);
-    RefreshInputLabels();
-    UpdateOutputPortButtons();
-    updateAllChannelRows();
+    refreshMatrix();
     if (!version_known)
         send(Commands::Version);
     showMessage(tr("TK-7 Router"), tr("NMEA Router TK-7 connected\n   Download rules complete"),

@@ -359,6 +359,16 @@ void MainWindow::RefreshInputLabels()
     }
 }
 
+// Shows a model that came as a whole, by a download or from a file.
+void MainWindow::refreshMatrix()
+{
+    if (current_output_port < OutputPortCount)
+        SetOutputPortColor(current_output_port, true);
+    RefreshInputLabels();
+    UpdateOutputPortButtons();
+    updateAllChannelRows();
+}
+
 void MainWindow::updateAllChannelRows()
 {
     for (quint8 channel = 0; channel < ChannelCount; ++channel)
@@ -371,7 +381,7 @@ void MainWindow::UpdateChannelRow(quint8 channel)
         return;
     const ChannelRow &row = channel_rows[channel];
     const ChannelRecord &record = channelRecord(channel);
-    const bool inUse = isInputPort(record.main_input) || isInputPort(record.reserve_input);
+    const bool inUse = !isEmpty(record);
     const bool hasFilter = inUse && record.filter_enabled;
     const bool hasHeader = inUse && record.hdr_enabled;
 

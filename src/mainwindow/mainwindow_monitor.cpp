@@ -13,9 +13,8 @@ namespace {
 
 constexpr int maxMonitorRows = 100;
 constexpr int maxCountedErrors = 99999; // counted up from at most, so the count ends at 100000
-constexpr int topBarHeight = 47;        // design pixels
-constexpr int stripHeight = 30;         // design pixels of the folded panel
 constexpr int speedViewWidth = 50;      // design pixels
+constexpr int statusBarMargin = 2;      // pixels that a status bar leaves free at its left
 
 int rounded(int length)
 {
@@ -102,7 +101,8 @@ void MainWindow::UpdateCrsErrorsLabel()
 void MainWindow::fixPanelHeight(int height)
 {
     ui->statusBar->setFixedHeight(height);
-    status_widget->layOut(QSize(width(), height));
+    status_widget->layOut(QSize(width() - statusBarMargin, height));
+    ui->statusBar->reformat();
 }
 
 void MainWindow::slotButSmallStatus()
@@ -165,6 +165,7 @@ void MainWindow::setViewWidths(const SpeedViewWidths &widths)
     ui->label_input_ports->setFixedWidth(widths.heading);
     ui->frame->setFixedWidth(widths.top_frame);
     status_widget->widen(delta);
+    ui->statusBar->reformat();
     setFixedWidth(widths.window);
     resize(widths.window, height());
 }

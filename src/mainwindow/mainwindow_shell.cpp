@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr int topBarHeight = 47; // design pixels that the window never hides
-constexpr int stripHeight = 30;  // design pixels of the folded panel
 constexpr int screenMargin = 10; // left free when the screen is lower than the window
 
 } // namespace

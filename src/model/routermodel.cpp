@@ -27,6 +27,12 @@ bool isInputOrNone(int port)
     return port < InputPortCount || port == NO_PORT;
 }
 
+// The router would refuse a whole rule for a port that it doesn't have.
+quint8 inputNibble(quint8 input)
+{
+    return isInputPort(input) ? input : NO_PORT;
+}
+
 quint8 flagIf(bool set, quint8 flag)
 {
     return set ? flag : quint8(0);
@@ -69,7 +75,7 @@ bool operator==(const ChannelRecord &a, const ChannelRecord &b)
 
 bool isEmpty(const ChannelRecord &channel)
 {
-    return channel.main_input == NO_PORT && channel.reserve_input == NO_PORT;
+    return !isInputPort(channel.main_input) && !isInputPort(channel.reserve_input);
 }
 
 void clearChannelOptions(ChannelRecord &channel)
@@ -82,8 +88,8 @@ void clearChannelOptions(ChannelRecord &channel)
 
 quint8 rulesByte(const ChannelRecord &channel)
 {
-    return quint8((channel.reserve_input & InputMask) << ReserveInputShift
-                  | (channel.main_input & InputMask));
+    return quint8(inputNibble(channel.reserve_input) << ReserveInputShift
+                  | inputNibble(channel.main_input));
 }
 
 quint8 flagsByte(const ChannelRecord &channel)

@@ -54,8 +54,8 @@ PortKind outputPortKind(int port);
 /*! One input channel of an output port. */
 struct ChannelRecord
 {
-    quint8 main_input = NO_PORT;    //!< input port 0 to 11, or NO_PORT
-    quint8 reserve_input = NO_PORT; //!< input port 0 to 11, or NO_PORT
+    quint8 main_input = NO_PORT;    //!< input port 0 to 11, or NO_PORT; see isInputPort()
+    quint8 reserve_input = NO_PORT; //!< input port 0 to 11, or NO_PORT; see isInputPort()
     bool filter_enabled = false;
     quint32 filter_mask = 0; //!< bit i: slot i of RouterModel::filter_list is in the channel's list
     quint8 filter_type = WhiteList; //!< WhiteList or BlackList
@@ -77,7 +77,9 @@ bool isEmpty(const ChannelRecord &channel);
 /*! Sets all fields of \a channel but its two inputs back to their defaults. */
 void clearChannelOptions(ChannelRecord &channel);
 
-/*! The channel's inputs as they travel: the reserve input in the high nibble, the main in the low.
+/*!
+ * The channel's inputs as they travel: the reserve input in the high nibble, the main in the low. A
+ * number that is no input port travels as NO_PORT.
  */
 quint8 rulesByte(const ChannelRecord &channel);
 

@@ -13,6 +13,8 @@ WaitSaveDlg::WaitSaveDlg(QWidget *parent)
     const double factor = ui_scale();
     setFixedSize(scaled(width(), factor), scaled(height(), factor));
     scaleChildren<QLabel>(this, float(factor));
+    fitText(ui->label);
+    fitText(ui->label_2);
 }
 
 WaitSaveDlg::~WaitSaveDlg() = default;

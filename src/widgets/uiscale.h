@@ -27,14 +27,19 @@ void scaleWidget(QWidget *widget, float factor);
  */
 void fitText(QLabel *label);
 
-/*! Runs scaleWidget() for all descendants of \a window of the given types, type by type. */
+/*!
+ * Runs scaleWidget() for all descendants of \a window of the given types, type by type. The popups of
+ * its combo boxes are windows of their own and size themselves.
+ */
 template <typename... Types> void scaleChildren(QWidget *window, float factor)
 {
     const auto scaleType = [window, factor](auto *type) {
         using Type = std::remove_pointer_t<decltype(type)>;
         const auto children = window->findChildren<Type *>();
-        for (Type *child : children)
-            scaleWidget(child, factor);
+        for (Type *child : children) {
+            if (child->window() == window->window())
+                scaleWidget(child, factor);
+        }
     };
     (scaleType(static_cast<Types *>(nullptr)), ...);
 }

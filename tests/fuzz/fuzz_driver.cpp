@@ -1,3 +1,4 @@
+#include "filemutator.h"
 #include "fuzzmutator.h"
 
 #include <QCommandLineParser>
@@ -25,7 +26,7 @@ void feed(const QByteArray &input)
                            size_t(input.size()));
 }
 
-bool feedCorpus(const QString &folder, FuzzMutator &mutator, int &files)
+bool feedCorpus(const QString &folder, QVector<QByteArray> &corpus)
 {
     const QFileInfoList entries = QDir(folder).entryInfoList(QDir::Files, QDir::Name);
     for (const QFileInfo &entry : entries) {
@@ -34,8 +35,7 @@ bool feedCorpus(const QString &folder, FuzzMutator &mutator, int &files)
             return false;
         const QByteArray input = file.readAll();
         feed(input);
-        mutator.addSentences(input.mid(1));
-        ++files;
+        corpus.append(input);
     }
     return !entries.isEmpty();
 }
@@ -50,7 +50,9 @@ int main(int argc, char *argv[])
     parser.addHelpOption();
     const QCommandLineOption seedOption("seed", "Seed of the random bytes.", "number", "70001");
     const QCommandLineOption bytesOption("bytes", "Random bytes to feed.", "number", "1000000");
-    parser.addOptions({seedOption, bytesOption});
+    const QCommandLineOption filesOption(
+        "files", "Makes inputs from whole files; without it, from the sentences in them.");
+    parser.addOptions({seedOption, bytesOption, filesOption});
     parser.addPositionalArgument("corpus", "Folders of input files.", "[corpus...]");
     parser.process(app);
 
@@ -59,13 +61,20 @@ int main(int argc, char *argv[])
     std::printf("seed %u\n", seed);
     std::fflush(stdout);
 
-    FuzzMutator mutator(seed);
-    int files = 0;
+    QVector<QByteArray> corpus;
     for (const QString &folder : parser.positionalArguments()) {
-        if (!feedCorpus(folder, mutator, files)) {
+        if (!feedCorpus(folder, corpus)) {
             std::fprintf(stderr, "No corpus in %s\n", qPrintable(folder));
             return 1;
         }
+    }
+
+    const bool useFiles = parser.isSet(filesOption);
+    FuzzMutator sentenceMutator(seed);
+    FileMutator fileMutator(seed);
+    for (const QByteArray &input : qAsConst(corpus)) {
+        sentenceMutator.addSentences(input.mid(1));
+        fileMutator.addFile(input);
     }
 
     QElapsedTimer clock;
@@ -73,13 +82,13 @@ int main(int argc, char *argv[])
     qint64 fed = 0;
     qint64 inputs = 0;
     while (fed < wanted) {
-        const QByteArray input = mutator.nextInput();
+        const QByteArray input = useFiles ? fileMutator.nextInput() : sentenceMutator.nextInput();
         feed(input);
         fed += input.size();
         ++inputs;
     }
-    std::printf("%d corpus files, %lld random bytes in %lld inputs, %lld ms, no fault\n", files,
-                static_cast<long long>(fed), static_cast<long long>(inputs),
+    std::printf("%d corpus files, %lld random bytes in %lld inputs, %lld ms, no fault\n",
+                corpus.size(), static_cast<long long>(fed), static_cast<long long>(inputs),
                 static_cast<long long>(clock.elapsed()));
     return 0;
 }

@@ -514,7 +514,10 @@ void TestRouterModel::rulesByteOf_data()
     QTest::newRow("Main 3 without a Reserve") << 3 << 15 << 0xf3;
     QTest::newRow("Reserve 5 without a Main") << 15 << 5 << 0x5f;
     QTest::newRow("both") << 10 << 2 << 0x2a;
-    QTest::newRow("a number too great does not spill over") << 0x73 << 0x25 << 0x53;
+    for (const int noSuchPort : {12, 13, 14, 16, 200, 255}) {
+        QTest::addRow("%d is no port as Main", noSuchPort) << noSuchPort << 2 << 0x2f;
+        QTest::addRow("%d is no port as Reserve", noSuchPort) << 2 << noSuchPort << 0xf2;
+    }
 }
 
 void TestRouterModel::rulesByteOf()
@@ -585,6 +588,11 @@ void TestRouterModel::emptyChannel_data()
     QTest::newRow("Main alone") << 0 << 15 << false;
     QTest::newRow("Reserve alone") << 15 << 0 << false;
     QTest::newRow("both inputs") << 11 << 11 << false;
+    for (const int noSuchPort : {12, 13, 14, 16, 200, 255}) {
+        QTest::addRow("%d is no input", noSuchPort) << noSuchPort << noSuchPort << true;
+        QTest::addRow("Main %d beside a Reserve", noSuchPort) << noSuchPort << 4 << false;
+        QTest::addRow("Reserve %d beside a Main", noSuchPort) << 4 << noSuchPort << false;
+    }
 }
 
 void TestRouterModel::emptyChannel()

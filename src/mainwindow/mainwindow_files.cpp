@@ -1,0 +1,74 @@
+#include "mainwindow/mainwindow.h"
+#include "model/rulefile.h"
+
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+
+namespace {
+
+const QString ruleFileSuffix = QStringLiteral("vrr");
+
+} // namespace
+
+// The boxes here are not message_box: a file that went wrong is news with or without the link, so
+// its end leaves them open.
+
+void MainWindow::slotSaveToFile()
+{
+    const QString fileName =
+        QFileDialog::getSaveFileName(nullptr, tr("Save rules"), QString(), tr("TK-7 data (*.vrr)"));
+    if (fileName.isEmpty())
+        return;
+    QFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+        QMessageBox::warning(this, tr("Save Rules"), tr("Error open file %1").arg(fileName));
+        return;
+    }
+    // Deliberately without a word, and the file stays, empty.
+    if (QFileInfo(fileName).suffix() != ruleFileSuffix)
+        return;
+
+    // A full disk can show as late as here, when the file's buffer is emptied.
+    const bool isWritten = RuleFile::write(file, model) && file.flush();
+    file.close();
+    if (!isWritten || file.error() != QFileDevice::NoError)
+        showSaveFileError(file, fileName);
+}
+
+void MainWindow::showSaveFileError(QFile &file, const QString &fileName)
+{
+    file.close();
+    file.remove();
+    QMessageBox::warning(this, tr("Save Rules"), tr("Error save rules to %1").arg(fileName));
+}
+
+void MainWindow::slotLoadFromFile()
+{
+    const QString fileName = QFileDialog::getOpenFileName(nullptr, tr("Load rules"), QString(),
+                                                          tr("TK-7 data (*.vrr) ;; *.*"));
+    if (fileName.isEmpty())
+        return;
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly)) {
+        QMessageBox::warning(this, tr("Load Rules"), tr("Error open file %1").arg(fileName));
+        return;
+    }
+    const auto setSpeed = [this](quint8 port, quint32 speed) { slotVRNewPortSpeed(port, speed); };
+    if (!RuleFile::read(file, model, setSpeed)) {
+        showLoadFileError(file, fileName);
+        return;
+    }
+    file.close();
+
+    SendAllToRouter();
+    refreshMatrix();
+    QMessageBox::information(this, tr("TK-7 Router"), tr("Load rules complete"));
+}
+
+// What was read until the error stands in the model; deliberately, only the speeds show it.
+void MainWindow::showLoadFileError(QFile &file, const QString &fileName)
+{
+    file.close();
+    QMessageBox::warning(this, tr("Load Rules"), tr("Error load rules from %1").arg(fileName));
+}

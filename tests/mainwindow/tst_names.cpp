@@ -1,0 +1,789 @@
+#include "matrixview.h"
+
+#include "widgets/qmlineedit.h"
+
+#include <QComboBox>
+
+#include <memory>
+
+/*! Names and speeds of the ports, in a window that is not connected but where lines are sent. */
+class TestNames : public QObject
+{
+    Q_OBJECT
+
+public:
+    static void initMain() { qputenv("QT_FONT_DPI", "96"); }
+
+private slots:
+    void cleanup();
+    void cleanupTestCase();
+
+    void outputEditor();
+    void inputEditor_data();
+    void inputEditor();
+    void editorKnowsTheName();
+    void leftAndRightOpenTheEditor();
+    void noEditor_data();
+    void noEditor();
+
+    void outputName_data();
+    void outputName();
+    void inputName_data();
+    void inputName();
+    void typed_data();
+    void typed();
+    void emptyNameBringsBackTheDefault_data();
+    void emptyNameBringsBackTheDefault();
+    void nameOfALabelInACell();
+
+    void cancelled_data();
+    void cancelled();
+    void clickInsideGoesOn();
+    void clickElsewhereDoesNothingElse();
+    void oneEditorAtATime();
+    void windowEndsUnderAnOpenEditor_data();
+    void windowEndsUnderAnOpenEditor();
+
+    void namesFromTheRouterWaitForTheScreen();
+    void namesAreNotSent();
+
+    void speedChoices();
+    void chosenSpeed_data();
+    void chosenSpeed();
+    void speedByKeyboard();
+    void sameSpeedSendsNothing();
+    void noSpeed_data();
+    void noSpeed();
+    void chosenSpeedOffline();
+    void speedFromTheRouter_data();
+    void speedFromTheRouter();
+    void refusedSpeed_data();
+    void refusedSpeed();
+    void speedFromTheRouterOffline();
+
+private:
+    // A window that is not connected, made anew for each test that asks for it.
+    MainWindow *fresh();
+    // The window that is connected, its matrix emptied for each test that asks for it.
+    ConnectedMatrix *connected();
+
+    // Presses a mouse button over the middle of a widget, by way of the window.
+    static void click(QWidget *widget, Qt::MouseButton button);
+    static void click(QWidget *window, Qt::MouseButton button, QPoint place);
+    // Types at the window, for whatever has the focus.
+    static void type(QWidget *window, const QString &text);
+    static void press(QWidget *window, Qt::Key key)
+    {
+        QTest::keyClick(window->windowHandle(), key);
+    }
+
+    // The name editors that are open; those that are to be deleted are deleted.
+    static QList<QMLineEdit *> editors(const QWidget *window);
+
+    const QString &inputNameOf(int port)
+    {
+        return fresh()->routerModel().input_ports[size_t(port)].input_name;
+    }
+    const QString &outputNameOf(int port)
+    {
+        return fresh()->routerModel().output_ports[size_t(port)].output_name;
+    }
+
+    std::unique_ptr<ConnectedMatrix> m_connected;
+    bool m_isReset = false;
+    std::unique_ptr<MainWindow> m_fresh;
+};
+
+MainWindow *TestNames::fresh()
+{
+    if (m_fresh)
+        return m_fresh.get();
+    m_fresh = std::make_unique<MainWindow>();
+    m_fresh->resize(853, 1000); // the screen may be too low for the whole matrix
+    m_fresh->show();
+    m_fresh->activateWindow();
+    if (!QTest::qWaitForWindowActive(m_fresh.get()))
+        qFatal("the window does not become active");
+    return m_fresh.get();
+}
+
+ConnectedMatrix *TestNames::connected()
+{
+    if (!m_connected)
+        m_connected = std::make_unique<ConnectedMatrix>();
+    if (!m_isReset) {
+        m_connected->reset();
+        m_connected->sent();
+    }
+    m_isReset = true;
+    return m_connected.get();
+}
+
+void TestNames::cleanup()
+{
+    m_fresh.reset();
+    m_isReset = false;
+    QVERIFY(!QWidget::mouseGrabber());
+    if (!m_connected)
+        return;
+    QVERIFY2(m_connected->bench.boxes.isDone(), qPrintable(m_connected->bench.boxes.report()));
+    QVERIFY(m_connected->window().isConnected());
+}
+
+void TestNames::cleanupTestCase()
+{
+    m_connected.reset();
+}
+
+void TestNames::click(QWidget *widget, Qt::MouseButton button)
+{
+    click(widget->window(), button, widget->mapTo(widget->window(), widget->rect().center()));
+}
+
+void TestNames::click(QWidget *window, Qt::MouseButton button, QPoint place)
+{
+    QTest::mouseClick(window->windowHandle(), button, Qt::NoModifier, place);
+}
+
+void TestNames::type(QWidget *window, const QString &text)
+{
+    for (const QChar character : text)
+        QTest::keyClick(window->windowHandle(), character.toLatin1());
+}
+
+QList<QMLineEdit *> TestNames::editors(const QWidget *window)
+{
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    return window->findChildren<QMLineEdit *>();
+}
+
+// Opening the editor
+
+void TestNames::outputEditor()
+{
+    const MatrixView matrix(*fresh());
+    for (int port : {0, 5, 11}) {
+        QPushButton *button = matrix.outputButton(port);
+        click(button, Qt::RightButton);
+        const auto open = editors(fresh());
+        QCOMPARE(open.size(), 1);
+        const QMLineEdit *editor = open.first();
+        QCOMPARE(editor->parent(), button);
+        QCOMPARE(editor->geometry(), QRect(QPoint(0, 0), button->size()));
+        QCOMPARE(editor->minimumSize(), button->size());
+        QCOMPARE(editor->maximumSize(), button->size());
+        QCOMPARE(editor->font().pointSize(), 8);
+        QCOMPARE(editor->maxLength(), 8);
+        QCOMPARE(editor->text(), QString());
+        QVERIFY(editor->isVisible());
+        QCOMPARE(QApplication::focusWidget(), editor);
+        QCOMPARE(QWidget::mouseGrabber(), editor);
+        press(fresh(), Qt::Key_Escape);
+    }
+}
+
+void TestNames::inputEditor_data()
+{
+    QTest::addColumn<int>("rules"); // of channel 2
+    QTest::addColumn<int>("frame");
+
+    QTest::newRow("at home") << 0xff << 48 + 3;
+    QTest::newRow("in a main cell") << 0xf3 << 16 + 2;
+    QTest::newRow("in a reserve cell") << 0x3f << 32 + 2;
+}
+
+void TestNames::inputEditor()
+{
+    QFETCH(int, rules);
+    QFETCH(int, frame);
+    const MatrixView matrix(*fresh());
+    fresh()->slotVRNewRule(0, 2, quint8(rules), 0);
+    matrix.outputButton(0)->click();
+
+    click(matrix.labels[3], Qt::RightButton);
+
+    const auto open = editors(fresh());
+    QCOMPARE(open.size(), 1);
+    const QMLineEdit *editor = open.first();
+    QCOMPARE(editor->parent(), matrix.frame(frame));
+    QCOMPARE(editor->geometry(), QRect(0, 0, 95, 31));
+    QCOMPARE(editor->minimumSize(), QSize(95, 31));
+    QCOMPARE(editor->maximumSize(), QSize(95, 31));
+    QCOMPARE(editor->maxLength(), 8);
+    QCOMPARE(editor->text(), QString());
+    QVERIFY(editor->isVisible());
+    QCOMPARE(QApplication::focusWidget(), editor);
+    QCOMPARE(QWidget::mouseGrabber(), editor);
+    type(fresh(), QStringLiteral("Gyro"));
+    press(fresh(), Qt::Key_Return);
+    QCOMPARE(inputNameOf(3), QStringLiteral("Gyro"));
+}
+
+void TestNames::editorKnowsTheName()
+{
+    const MatrixView matrix(*fresh());
+    fresh()->slotVRNewPortName(true, 4, QStringLiteral("VDR"));
+    fresh()->slotVRNewPortName(false, 4, QStringLiteral("Gyro"));
+    click(matrix.outputButton(4), Qt::RightButton);
+    QCOMPARE(editors(fresh()).value(0)->text(), QStringLiteral("VDR"));
+    press(fresh(), Qt::Key_Escape);
+    click(matrix.labels[4], Qt::RightButton);
+    QCOMPARE(editors(fresh()).value(0)->text(), QStringLiteral("Gyro"));
+}
+
+// The left button came first and stays down.
+void TestNames::leftAndRightOpenTheEditor()
+{
+    const MatrixView matrix(*fresh());
+    QMouseEvent event(QEvent::MouseButtonPress, QPoint(20, 15), Qt::RightButton,
+                      Qt::LeftButton | Qt::RightButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(matrix.homes[7], &event);
+    const auto open = editors(fresh());
+    QCOMPARE(open.size(), 1);
+    QCOMPARE(open.first()->parent(), matrix.homes[7]);
+}
+
+void TestNames::noEditor_data()
+{
+    QTest::addColumn<int>("frame");
+    QTest::addColumn<QPoint>("place");
+    QTest::addColumn<int>("button");
+
+    const QPoint over(40, 15);
+    const int right = Qt::RightButton;
+    QTest::newRow("placeholder of a label that is away") << 48 + 3 << over << right;
+    QTest::newRow("empty cell") << 16 + 6 << over << right;
+    QTest::newRow("cell whose label shows in a later channel") << 16 + 1 << over << right;
+    QTest::newRow("edge of a home") << 48 + 7 << QPoint(1, 1) << right;
+    QTest::newRow("left button on a label") << 48 + 7 << over << int(Qt::LeftButton);
+    QTest::newRow("middle button on a label") << 48 + 7 << over << int(Qt::MiddleButton);
+}
+
+void TestNames::noEditor()
+{
+    QFETCH(int, frame);
+    QFETCH(QPoint, place);
+    QFETCH(int, button);
+    const MatrixView matrix(*fresh());
+    fresh()->slotVRNewRule(0, 2, 0xf3, 0);
+    fresh()->slotVRNewRule(0, 1, 0xf4, 0);
+    fresh()->slotVRNewRule(0, 5, 0xf4, 0);
+    matrix.outputButton(0)->click();
+    click(fresh(), Qt::MouseButton(button), matrix.frame(frame)->mapTo(fresh(), place));
+    QVERIFY(!QWidget::mouseGrabber());
+    QCOMPARE(editors(fresh()).size(), 0);
+}
+
+// Storing a name
+
+void TestNames::outputName_data()
+{
+    QTest::addColumn<int>("port");
+    QTest::addColumn<QString>("text");
+
+    QTest::newRow("port 0") << 0 << "0. VDR";
+    QTest::newRow("port 9") << 9 << "9. VDR";
+    QTest::newRow("port 11") << 11 << "11. VDR";
+}
+
+void TestNames::outputName()
+{
+    QFETCH(int, port);
+    const MatrixView matrix(*fresh());
+    RouterModel expected = fresh()->routerModel();
+    expected.output_ports[size_t(port)].output_name = QStringLiteral("VDR");
+
+    click(matrix.outputButton(port), Qt::RightButton);
+    type(fresh(), QStringLiteral("VDR"));
+    QVERIFY(outputNameOf(port).isEmpty()); // only Return stores
+    press(fresh(), Qt::Key_Return);
+
+    QVERIFY(fresh()->routerModel() == expected);
+    QTEST(matrix.outputButton(port)->text(), "text");
+    QVERIFY(!QWidget::mouseGrabber());
+    QCOMPARE(editors(fresh()).size(), 0);
+    QCOMPARE(matrix.labels[size_t(port)]->text(), QStringLiteral("PORT %1").arg(port));
+}
+
+void TestNames::inputName_data()
+{
+    QTest::addColumn<int>("port");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<QString>("text");
+
+    QTest::newRow("port 0, Return") << 0 << int(Qt::Key_Return) << "0. GPS";
+    QTest::newRow("port 9, Return") << 9 << int(Qt::Key_Return) << "9. GPS";
+    QTest::newRow("port 11, Enter") << 11 << int(Qt::Key_Enter) << "11. GPS";
+}
+
+void TestNames::inputName()
+{
+    QFETCH(int, port);
+    QFETCH(int, key);
+    QFETCH(QString, text);
+    const MatrixView matrix(*fresh());
+    RouterModel expected = fresh()->routerModel();
+    expected.input_ports[size_t(port)].input_name = QStringLiteral("GPS");
+
+    click(matrix.labels[size_t(port)], Qt::RightButton);
+    type(fresh(), QStringLiteral("GPS"));
+    QVERIFY(inputNameOf(port).isEmpty());
+    press(fresh(), Qt::Key(key));
+
+    QVERIFY(fresh()->routerModel() == expected);
+    QCOMPARE(matrix.labels[size_t(port)]->text(), text);
+    QCOMPARE(matrix.placeholders[size_t(port)]->text(), QString(QLatin1Char(' ') + text));
+    QVERIFY(!QWidget::mouseGrabber());
+    QCOMPARE(editors(fresh()).size(), 0);
+    const QString button = matrix.outputButton(port)->text();
+    QVERIFY(button.startsWith(QStringLiteral("PORT  ")));
+}
+
+void TestNames::typed_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("stored");
+
+    QTest::newRow("eight characters") << "12345678"
+                                      << "12345678";
+    QTest::newRow("the ninth is lost") << "123456789"
+                                       << "12345678";
+    QTest::newRow("comma") << "A,B"
+                           << "AB";
+    QTest::newRow("exclamation mark, dollar, star") << "!A$B*"
+                                                    << "AB";
+    QTest::newRow("lower case stays") << "Gyro"
+                                      << "Gyro";
+    QTest::newRow("blanks stay") << " A B "
+                                 << " A B ";
+    QTest::newRow("signs below the letters") << "#1 (A/B)"
+                                             << "#1 (A/B)";
+    QTest::newRow("signs above the letters") << "a_b~c[d"
+                                             << "abcd";
+}
+
+void TestNames::typed()
+{
+    QFETCH(QString, typed);
+    QFETCH(QString, stored);
+    const MatrixView matrix(*fresh());
+    click(matrix.outputButton(2), Qt::RightButton);
+    type(fresh(), typed);
+    press(fresh(), Qt::Key_Return);
+    QCOMPARE(outputNameOf(2), stored);
+    QCOMPARE(matrix.outputButton(2)->text(), QString("2. " + stored));
+    click(matrix.labels[2], Qt::RightButton);
+    type(fresh(), typed);
+    press(fresh(), Qt::Key_Return);
+    QCOMPARE(inputNameOf(2), stored);
+    QCOMPARE(matrix.labels[2]->text(), QString("2. " + stored));
+}
+
+void TestNames::emptyNameBringsBackTheDefault_data()
+{
+    QTest::addColumn<int>("port");
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<QString>("label");
+
+    QTest::newRow("port 0") << 0 << "PORT   0"
+                            << "PORT 0";
+    QTest::newRow("port 9") << 9 << "PORT   9"
+                            << "PORT 9";
+    QTest::newRow("port 10") << 10 << "PORT  10"
+                             << "PORT 10";
+    QTest::newRow("port 11") << 11 << "PORT  11"
+                             << "PORT 11";
+}
+
+void TestNames::emptyNameBringsBackTheDefault()
+{
+    QFETCH(int, port);
+    QFETCH(QString, button);
+    QFETCH(QString, label);
+    const MatrixView matrix(*fresh());
+    const auto name = [&](QWidget *place, const QString &text) {
+        click(place, Qt::RightButton);
+        editors(fresh()).value(0)->selectAll();
+        press(fresh(), Qt::Key_Delete);
+        type(fresh(), text);
+        press(fresh(), Qt::Key_Return);
+    };
+    name(matrix.outputButton(port), QStringLiteral("VDR"));
+    name(matrix.labels[size_t(port)], QStringLiteral("GPS"));
+    QVERIFY(matrix.outputButton(port)->text() != button);
+    QVERIFY(matrix.labels[size_t(port)]->text() != label);
+
+    name(matrix.outputButton(port), QString());
+    name(matrix.labels[size_t(port)], QString());
+    QCOMPARE(outputNameOf(port), QString());
+    QCOMPARE(inputNameOf(port), QString());
+    QCOMPARE(matrix.outputButton(port)->text(), button);
+    QCOMPARE(matrix.labels[size_t(port)]->text(), label);
+    QCOMPARE(matrix.placeholders[size_t(port)]->text(), QString(QLatin1Char(' ') + label));
+}
+
+void TestNames::nameOfALabelInACell()
+{
+    const MatrixView matrix(*fresh());
+    fresh()->slotVRNewRule(0, 5, 0x3f, 0);
+    matrix.outputButton(0)->click();
+    click(matrix.reserve[5], Qt::RightButton);
+    type(fresh(), QStringLiteral("Gyro"));
+    press(fresh(), Qt::Key_Return);
+    QCOMPARE(inputNameOf(3), QStringLiteral("Gyro"));
+    QCOMPARE(inputNameOf(5), QString());
+    QCOMPARE(matrix.placeOf(3), 37);
+    QCOMPARE(matrix.labels[3]->text(), QStringLiteral("3. Gyro"));
+    QCOMPARE(matrix.placeholders[3]->text(), QStringLiteral(" 3. Gyro"));
+    matrix.outputButton(1)->click();
+    QCOMPARE(matrix.placeOf(3), 51);
+    QCOMPARE(matrix.labels[3]->text(), QStringLiteral("3. Gyro"));
+}
+
+// Leaving the editor otherwise
+
+void TestNames::cancelled_data()
+{
+    QTest::addColumn<bool>("output");
+    QTest::addColumn<bool>("escape");
+    QTest::addColumn<int>("button");
+
+    const int left = Qt::LeftButton;
+    const int right = Qt::RightButton;
+    QTest::newRow("output name, Escape") << true << true << 0;
+    QTest::newRow("input name, Escape") << false << true << 0;
+    QTest::newRow("output name, click elsewhere") << true << false << left;
+    QTest::newRow("input name, click elsewhere") << false << false << left;
+    QTest::newRow("output name, right click elsewhere") << true << false << right;
+    QTest::newRow("input name, right click elsewhere") << false << false << right;
+}
+
+void TestNames::cancelled()
+{
+    QFETCH(bool, output);
+    QFETCH(bool, escape);
+    QFETCH(int, button);
+    const MatrixView matrix(*fresh());
+    fresh()->slotVRNewPortName(true, 3, QStringLiteral("old"));
+    fresh()->slotVRNewPortName(false, 3, QStringLiteral("old"));
+    const RouterModel before = fresh()->routerModel();
+    QWidget *place = matrix.labels[3];
+    if (output)
+        place = matrix.outputButton(3);
+    const QString text = place->property("text").toString();
+
+    click(place, Qt::RightButton);
+    type(fresh(), QStringLiteral("er"));
+    QMLineEdit *editor = editors(fresh()).value(0);
+    QCOMPARE(editor->text(), QStringLiteral("older"));
+    // Behind the window's own slot: it has given the mouse back by then.
+    bool isReleased = false;
+    connect(editor, &QLineEdit::editingFinished, this,
+            [&] { isReleased = !QWidget::mouseGrabber() && editor->isHidden(); });
+    if (escape)
+        press(fresh(), Qt::Key_Escape);
+    else
+        click(fresh(), Qt::MouseButton(button), QPoint(500, 75));
+
+    QVERIFY(fresh()->routerModel() == before);
+    QCOMPARE(place->property("text").toString(), text);
+    QVERIFY(isReleased);
+    QCOMPARE(editors(fresh()).size(), 0);
+}
+
+void TestNames::clickInsideGoesOn()
+{
+    const MatrixView matrix(*fresh());
+    click(matrix.labels[3], Qt::RightButton);
+    type(fresh(), QStringLiteral("Gy"));
+    click(matrix.homes[3], Qt::LeftButton);
+    QCOMPARE(editors(fresh()).size(), 1);
+    type(fresh(), QStringLiteral("ro"));
+    press(fresh(), Qt::Key_Return);
+    QCOMPARE(inputNameOf(3).size(), 4);
+}
+
+void TestNames::clickElsewhereDoesNothingElse()
+{
+    const MatrixView matrix(*fresh());
+    click(matrix.labels[3], Qt::RightButton);
+    click(matrix.outputButton(7), Qt::LeftButton);
+    QCOMPARE(editors(fresh()).size(), 0);
+    QCOMPARE(fresh()->findChild<QLabel *>("label_cur_ch_out")->text(),
+             QStringLiteral("< OUTPUT PORT 0 >"));
+    click(matrix.outputButton(7), Qt::LeftButton);
+    QCOMPARE(fresh()->findChild<QLabel *>("label_cur_ch_out")->text(),
+             QStringLiteral("< OUTPUT PORT 7 >"));
+}
+
+void TestNames::oneEditorAtATime()
+{
+    const MatrixView matrix(*fresh());
+    click(matrix.outputButton(3), Qt::RightButton);
+    click(matrix.labels[5], Qt::RightButton); // ends the first one
+    QCOMPARE(editors(fresh()).size(), 0);
+    click(matrix.labels[5], Qt::RightButton);
+    QCOMPARE(editors(fresh()).size(), 1);
+    type(fresh(), QStringLiteral("AIS"));
+    press(fresh(), Qt::Key_Return);
+    QCOMPARE(inputNameOf(5), QStringLiteral("AIS"));
+    QCOMPARE(outputNameOf(3), QString());
+    QCOMPARE(outputNameOf(5), QString());
+}
+
+void TestNames::windowEndsUnderAnOpenEditor_data()
+{
+    QTest::addColumn<bool>("output");
+
+    QTest::newRow("output name") << true;
+    QTest::newRow("input name") << false;
+}
+
+// The editor tells of its end to a window that is still whole.
+void TestNames::windowEndsUnderAnOpenEditor()
+{
+    QFETCH(bool, output);
+    const MatrixView matrix(*fresh());
+    QWidget *place = matrix.labels[3];
+    if (output)
+        place = matrix.outputButton(3);
+    click(place, Qt::RightButton);
+    QMLineEdit *editor = editors(fresh()).value(0);
+    QVERIFY(editor);
+    type(fresh(), QStringLiteral("AIS"));
+    QStringList heard;
+    connect(editor, &QLineEdit::editingFinished, this,
+            [&] { heard += QString::fromLatin1(editor->window()->metaObject()->className()); });
+    m_fresh.reset();
+    heard.removeDuplicates();
+    QCOMPARE(heard, QStringList("MainWindow"));
+    QVERIFY(!QWidget::mouseGrabber());
+}
+
+// Names and the router
+
+void TestNames::namesFromTheRouterWaitForTheScreen()
+{
+    ConnectedMatrix *tool = connected();
+    const QString odd = QStringLiteral("a_long[name]!");
+    tool->window().slotVRNewPortName(true, 3, QStringLiteral("VDR"));
+    tool->window().slotVRNewPortName(false, 11, odd);
+    QCOMPARE(tool->window().routerModel().input_ports[11].input_name, odd);
+    QCOMPARE(tool->matrix.outputButton(3)->text(), QStringLiteral("PORT   3"));
+    QCOMPARE(tool->matrix.labels[11]->text(), QStringLiteral("PORT 11"));
+    tool->bench.boxes.expect(WindowBench::downloadBox());
+    tool->window().slotVRUpdateVRData();
+    QCOMPARE(tool->matrix.outputButton(3)->text(), QStringLiteral("3. VDR"));
+    QCOMPARE(tool->matrix.labels[11]->text(), QStringLiteral("11. a_long[name]!"));
+    QCOMPARE(tool->matrix.placeholders[11]->text(), QStringLiteral(" 11. a_long[name]!"));
+}
+
+void TestNames::namesAreNotSent()
+{
+    ConnectedMatrix *tool = connected();
+    tool->window().activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&tool->window()));
+    click(tool->matrix.outputButton(3), Qt::RightButton);
+    type(&tool->window(), QStringLiteral("VDR"));
+    press(&tool->window(), Qt::Key_Return);
+    click(tool->matrix.homes[4], Qt::RightButton);
+    type(&tool->window(), QStringLiteral("GPS"));
+    press(&tool->window(), Qt::Key_Return);
+    QCOMPARE(tool->window().routerModel().output_ports[3].output_name, QStringLiteral("VDR"));
+    QCOMPARE(tool->window().routerModel().input_ports[4].input_name, QStringLiteral("GPS"));
+    QCOMPARE(tool->sent(), QList<QByteArray>{});
+}
+
+// Speeds
+
+void TestNames::speedChoices()
+{
+    const MatrixView matrix(*fresh());
+    const QStringList speeds = {"2400", "4800", "9600", "19200", "38400", "57600", "115200"};
+    for (int port = 0; port < MatrixView::size; ++port) {
+        const auto *box = matrix.widget<QComboBox>("comboBox_output_port_%1", port);
+        QStringList items;
+        for (int i = 0; i < box->count(); ++i)
+            items += box->itemText(i);
+        QCOMPARE(items, speeds);
+        QCOMPARE(box->currentIndex(), 1);
+        QVERIFY(!box->isEditable());
+    }
+}
+
+void TestNames::chosenSpeed_data()
+{
+    QTest::addColumn<int>("port");
+    QTest::addColumn<int>("index");
+    QTest::addColumn<uint>("speed");
+    QTest::addColumn<QByteArray>("line");
+
+    QTest::newRow("2400") << 6 << 0 << 2400U << QByteArray("$VRSPD,6,2400*73\r\n");
+    QTest::newRow("9600") << 6 << 2 << 9600U << checkedSentence("$VRSPD,6,9600");
+    QTest::newRow("19200") << 6 << 3 << 19200U << checkedSentence("$VRSPD,6,19200");
+    QTest::newRow("38400") << 6 << 4 << 38400U << checkedSentence("$VRSPD,6,38400");
+    QTest::newRow("57600") << 6 << 5 << 57600U << checkedSentence("$VRSPD,6,57600");
+    QTest::newRow("115200") << 6 << 6 << 115200U << checkedSentence("$VRSPD,6,115200");
+    QTest::newRow("port 0") << 0 << 4 << 38400U << checkedSentence("$VRSPD,0,38400");
+    QTest::newRow("port 11") << 11 << 4 << 38400U << checkedSentence("$VRSPD,11,38400");
+}
+
+void TestNames::chosenSpeed()
+{
+    QFETCH(int, port);
+    QFETCH(int, index);
+    QFETCH(uint, speed);
+    QFETCH(QByteArray, line);
+    ConnectedMatrix *tool = connected();
+    RouterModel expected = tool->window().routerModel();
+    expected.output_ports[size_t(port)].speed = speed;
+
+    tool->matrix.widget<QComboBox>("comboBox_output_port_%1", port)->setCurrentIndex(index);
+
+    QVERIFY(tool->window().routerModel() == expected);
+    for (int i = 0; i < MatrixView::size; ++i) {
+        const QString text = i == port ? QString::number(speed) : QStringLiteral("4800");
+        QCOMPARE(tool->matrix.speedLabel(i)->text(), text);
+    }
+    QCOMPARE(tool->sent(), QList<QByteArray>{line});
+}
+
+void TestNames::speedByKeyboard()
+{
+    ConnectedMatrix *tool = connected();
+    auto *box = tool->matrix.widget<QComboBox>("comboBox_output_port_%1", 2);
+    QTest::keyClick(box, Qt::Key_Down);
+    QTest::keyClick(box, Qt::Key_Down);
+    QTest::keyClick(box, Qt::Key_Up);
+    QCOMPARE(tool->window().routerModel().output_ports[2].speed, 9600U);
+    const QByteArray slow = checkedSentence("$VRSPD,2,9600");
+    QCOMPARE(tool->sent(), (QList<QByteArray>{slow, checkedSentence("$VRSPD,2,19200"), slow}));
+}
+
+void TestNames::sameSpeedSendsNothing()
+{
+    ConnectedMatrix *tool = connected();
+    tool->matrix.widget<QComboBox>("comboBox_output_port_%1", 2)->setCurrentIndex(1);
+    QCOMPARE(tool->sent(), QList<QByteArray>{});
+}
+
+void TestNames::noSpeed_data()
+{
+    QTest::addColumn<QString>("text");
+
+    QTest::newRow("no number") << "fast";
+    QTest::newRow("zero") << "0";
+    QTest::newRow("nothing") << "";
+    QTest::newRow("a number and more") << "9600 baud";
+}
+
+// An entry that is no speed leaves everything as it was.
+void TestNames::noSpeed()
+{
+    QFETCH(QString, text);
+    ConnectedMatrix *tool = connected();
+    const RouterModel before = tool->window().routerModel();
+    auto *box = tool->matrix.widget<QComboBox>("comboBox_output_port_%1", 2);
+    box->addItem(text);
+    box->setCurrentIndex(7);
+    QVERIFY(tool->window().routerModel() == before);
+    QCOMPARE(tool->matrix.speedLabel(2)->text(), QStringLiteral("4800"));
+    QCOMPARE(tool->sent(), QList<QByteArray>{});
+    box->setCurrentIndex(1);
+    box->removeItem(7);
+}
+
+void TestNames::chosenSpeedOffline()
+{
+    const MatrixView matrix(*fresh());
+    matrix.widget<QComboBox>("comboBox_output_port_%1", 5)->setCurrentIndex(6);
+    QCOMPARE(fresh()->routerModel().output_ports[5].speed, 115200U);
+    QCOMPARE(matrix.speedLabel(5)->text(), QStringLiteral("115200"));
+    QVERIFY(matrix.speedLabel(5)->isHidden());
+}
+
+void TestNames::speedFromTheRouter_data()
+{
+    QTest::addColumn<int>("port");
+    QTest::addColumn<uint>("speed");
+    QTest::addColumn<int>("index");
+    QTest::addColumn<bool>("echo");
+
+    QTest::newRow("2400") << 4 << 2400U << 0 << true;
+    QTest::newRow("4800, as it is") << 4 << 4800U << 1 << false;
+    QTest::newRow("9600") << 4 << 9600U << 2 << true;
+    QTest::newRow("19200") << 4 << 19200U << 3 << true;
+    QTest::newRow("38400") << 4 << 38400U << 4 << true;
+    QTest::newRow("57600") << 4 << 57600U << 5 << true;
+    QTest::newRow("115200") << 4 << 115200U << 6 << true;
+    QTest::newRow("port 11") << 11 << 9600U << 2 << true;
+}
+
+void TestNames::speedFromTheRouter()
+{
+    QFETCH(int, port);
+    QFETCH(uint, speed);
+    QFETCH(int, index);
+    QFETCH(bool, echo);
+    ConnectedMatrix *tool = connected();
+    RouterModel expected = tool->window().routerModel();
+    expected.output_ports[size_t(port)].speed = speed;
+
+    const QByteArray body = QStringLiteral("$VRSPD,%1,%2").arg(port).arg(speed).toLatin1();
+    tool->bench.router.sendChecked(body);
+    // A second one, of another port, tells that the first has come.
+    tool->bench.router.sendChecked("$VRSPD,7,57600");
+    QTRY_COMPARE(tool->window().routerModel().output_ports[7].speed, 57600U);
+    expected.output_ports[7].speed = 57600;
+
+    QVERIFY(tool->window().routerModel() == expected);
+    QCOMPARE(tool->matrix.widget<QComboBox>("comboBox_output_port_%1", port)->currentIndex(),
+             index);
+    QCOMPARE(tool->matrix.speedLabel(port)->text(), QString::number(speed));
+    QList<QByteArray> lines = {checkedSentence("$VRSPD,7,57600")};
+    if (echo)
+        lines.prepend(checkedSentence(body));
+    QCOMPARE(tool->sent(), lines);
+}
+
+void TestNames::refusedSpeed_data()
+{
+    QTest::addColumn<int>("port");
+    QTest::addColumn<uint>("speed");
+
+    QTest::newRow("1200 baud") << 4 << 1200U;
+    QTest::newRow("no baud") << 4 << 0U;
+    QTest::newRow("nearly a speed") << 4 << 9601U;
+    QTest::newRow("the greatest number") << 4 << 4294967295U;
+    QTest::newRow("port 12") << 12 << 9600U;
+    QTest::newRow("port 15") << 15 << 9600U;
+    QTest::newRow("port 255") << 255 << 9600U;
+}
+
+void TestNames::refusedSpeed()
+{
+    QFETCH(int, port);
+    QFETCH(uint, speed);
+    ConnectedMatrix *tool = connected();
+    const RouterModel before = tool->window().routerModel();
+    tool->window().slotVRNewPortSpeed(quint8(port), speed);
+    QVERIFY(tool->window().routerModel() == before);
+    for (int i = 0; i < MatrixView::size; ++i) {
+        QCOMPARE(tool->matrix.widget<QComboBox>("comboBox_output_port_%1", i)->currentIndex(), 1);
+        QCOMPARE(tool->matrix.speedLabel(i)->text(), QStringLiteral("4800"));
+    }
+    QCOMPARE(tool->sent(), QList<QByteArray>{});
+}
+
+void TestNames::speedFromTheRouterOffline()
+{
+    const MatrixView matrix(*fresh());
+    fresh()->slotVRNewPortSpeed(9, 2400);
+    QCOMPARE(fresh()->routerModel().output_ports[9].speed, 2400U);
+    QCOMPARE(matrix.widget<QComboBox>("comboBox_output_port_%1", 9)->currentText(),
+             QStringLiteral("2400"));
+    QCOMPARE(matrix.speedLabel(9)->text(), QStringLiteral("2400"));
+}
+
+QTEST_MAIN(TestNames)
+#include "tst_names.moc"

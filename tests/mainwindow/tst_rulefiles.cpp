@@ -1,0 +1,982 @@
+#include "matrixview.h"
+
+#include "../model/randommodel.h"
+#include "../model/richmodel.h"
+#include "model/rulefile.h"
+#include "support/filedialoganswer.h"
+
+#include <QBuffer>
+#include <QComboBox>
+#include <QDir>
+#include <QFile>
+#include <QScopeGuard>
+#include <QTemporaryDir>
+
+#include <csignal>
+#include <functional>
+#include <memory>
+
+#ifdef Q_OS_LINUX
+#include <sys/mount.h>
+#endif
+#include <sys/resource.h>
+
+// Rule files through the window: its buttons, the file dialogs, the boxes, the screen and the line.
+
+using Setup = std::function<void(MainWindow &)>;
+Q_DECLARE_METATYPE(Setup)
+
+namespace {
+
+const QString saveTitle = QStringLiteral("Save Rules");
+const QString loadTitle = QStringLiteral("Load Rules");
+
+// A file of a router without names.
+constexpr int channelsOffset = 3;
+constexpr int channelSize = 9;
+constexpr int speedOffset = channelsOffset + 12 * channelSize; // of port 0
+constexpr int portSize = 12 * channelSize + 4 + 1;
+constexpr int inputNamesOffset = channelsOffset + 12 * portSize + 4 + 12 * 3;
+
+QByteArray dataFile(const char *name)
+{
+    QFile file(QStringLiteral(TK7_TEST_DATA "/") + QString::fromLatin1(name));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("%s: %s", name, qPrintable(file.errorString()));
+    return file.readAll();
+}
+
+QByteArray written(const RouterModel &model)
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    return RuleFile::write(buffer, model) ? buffer.data() : QByteArray();
+}
+
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no such file)");
+}
+
+void makeFile(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("%s: %s", qPrintable(path), qPrintable(file.errorString()));
+}
+
+/*! Gives \a window the router \a model, as a download would. */
+void fill(MainWindow &window, const RouterModel &model)
+{
+    for (quint8 port = 0; port < OutputPortCount; ++port) {
+        const OutputPortRecord &output = model.output_ports[port];
+        for (int c = 0; c < ChannelCount; ++c) {
+            const ChannelRecord &channel = output.channels[std::size_t(c)];
+            window.slotVRNewRule(port, c, rulesByte(channel), flagsByte(channel));
+            window.slotVRNewFilterMask(port, c, channel.filter_mask);
+            window.slotVRNewHdr(port, c, channel.hdr);
+        }
+        window.slotVRNewPortSpeed(port, output.speed);
+        window.slotVRNewPortName(true, port, output.output_name);
+        window.slotVRNewPortName(false, port, model.input_ports[port].input_name);
+    }
+    for (quint8 slot = 0; slot < FilterSlotCount; ++slot) {
+        const bool isTaken = model.filter_list_mask >> slot & 1;
+        window.slotVRNewFilterStr(slot, isTaken ? model.filter_list[slot] : QString());
+    }
+}
+
+/*! What of \a model a file brings to a window of defaults. */
+RouterModel asLoaded(RouterModel model)
+{
+    RouterModel loaded;
+    QBuffer buffer;
+    buffer.setData(written(model));
+    buffer.open(QIODevice::ReadOnly);
+    return RuleFile::read(buffer, loaded) ? loaded : RouterModel();
+}
+
+bool isPort(int input)
+{
+    return input < MatrixView::size;
+}
+
+/*! A channel's row as MatrixView::row() is to tell it. */
+QString rowOf(const ChannelRecord &channel)
+{
+    if (!isPort(channel.main_input) && !isPort(channel.reserve_input))
+        return QStringLiteral("-------\"\"");
+    return QStringLiteral("F%1C%2H%3S\"%4\"%5")
+        .arg(channel.filter_enabled ? QStringLiteral("+s") : QStringLiteral("-"),
+             channel.crs_enabled ? QStringLiteral("+") : QString(),
+             channel.hdr_enabled ? QStringLiteral("+ts") : QStringLiteral("--"), channel.hdr,
+             channel.smart_function == 0 ? QString() : QStringLiteral("!"));
+}
+
+/*! The code of the frame in which the label of input port \a port is to lie. */
+int placeOf(int port, const OutputPortRecord &shown)
+{
+    int place = 48 + port;
+    for (int c = 0; c < MatrixView::size; ++c) {
+        const ChannelRecord &channel = shown.channels[std::size_t(c)];
+        if (channel.main_input == port)
+            place = 16 + c;
+        else if (channel.reserve_input == port)
+            place = 32 + c;
+    }
+    return place;
+}
+
+/*! Sets back the size limit of files when it goes out of scope. */
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(rlim_t bytes) : m_handler(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        rlimit limit = m_before;
+        limit.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_handler);
+    }
+
+private:
+    void (*m_handler)(int);
+    rlimit m_before = {};
+};
+
+/*! A window, its router, and a folder for rule files. */
+struct Bench : WindowBench
+{
+    Bench() { matrix = std::make_unique<MatrixView>(window); }
+
+    QString path(const QString &name) const { return folder.filePath(name); }
+
+    FileDialogAnswer::Dialog saveDialog(const QString &fileName) const
+    {
+        return {QStringLiteral("Save rules"),
+                {QStringLiteral("TK-7 data (*.vrr)")},
+                QFileDialog::AcceptSave,
+                fileName,
+                {},
+                {}};
+    }
+
+    FileDialogAnswer::Dialog loadDialog(const QString &fileName) const
+    {
+        return {QStringLiteral("Load rules"),
+                {QStringLiteral("TK-7 data (*.vrr)"), QStringLiteral("*.*")},
+                QFileDialog::AcceptOpen,
+                fileName,
+                {},
+                {}};
+    }
+
+    /*! Presses the button and gives the answer; the boxes are for the test to expect. */
+    void save(const QString &fileName)
+    {
+        dialogs.expect(saveDialog(fileName));
+        find<QPushButton>("pushButton_SaveFile")->click();
+    }
+
+    void load(const QString &fileName)
+    {
+        dialogs.expect(loadDialog(fileName));
+        find<QPushButton>("pushButton_LoadFile")->click();
+    }
+
+    void loadBytes(const QByteArray &bytes)
+    {
+        makeFile(path("rules.vrr"), bytes);
+        load(path("rules.vrr"));
+    }
+
+    void expectLoaded()
+    {
+        boxes.expect({QStringLiteral("TK-7 Router"), QStringLiteral("Load rules complete"),
+                      QMessageBox::Information});
+    }
+
+    void expectWarning(const QString &title, const QString &text)
+    {
+        boxes.expect({title, text, QMessageBox::Warning});
+    }
+
+    void expectReplaceQuestion(const QString &name)
+    {
+        boxes.expect({QStringLiteral("Save rules"),
+                      QStringLiteral("%1 already exists.\nDo you want to replace it?").arg(name),
+                      QMessageBox::Warning, QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes});
+    }
+
+    /*! What of boxes and file dialogs was not as expected; empty if all was. */
+    QString report() const { return boxes.report() + dialogs.report(); }
+
+    /*! What on the screen differs from \a model, with output port \a port selected. */
+    QString differences(const RouterModel &model, int port) const
+    {
+        QStringList lines;
+        const auto compare = [&lines](const char *what, int number, const QString &shown,
+                                      const QString &expected) {
+            if (shown != expected) {
+                lines += QStringLiteral("%1 %2: %3 instead of %4")
+                             .arg(QLatin1String(what))
+                             .arg(number)
+                             .arg(shown, expected);
+            }
+        };
+        compare("heading", port, find<QLabel>("label_cur_ch_out")->text(),
+                QStringLiteral("< OUTPUT PORT %1 >").arg(port));
+        const OutputPortRecord &shown = model.output_ports[std::size_t(port)];
+        for (int i = 0; i < MatrixView::size; ++i) {
+            const OutputPortRecord &output = model.output_ports[std::size_t(i)];
+            const QString speed = QString::number(output.speed);
+            const QString &name = model.input_ports[std::size_t(i)].input_name;
+            const QString blanks(i > 9 ? 2 : 3, QLatin1Char(' '));
+            compare("row", i, matrix->row(i), rowOf(shown.channels[std::size_t(i)]));
+            compare("place of label", i, QString::number(matrix->placeOf(i)),
+                    QString::number(::placeOf(i, shown)));
+            compare("label", i, matrix->labels[std::size_t(i)]->text(),
+                    name.isEmpty() ? QStringLiteral("PORT %1").arg(i)
+                                   : QStringLiteral("%1. %2").arg(i).arg(name));
+            compare("output button", i, matrix->outputButton(i)->text(),
+                    output.output_name.isEmpty()
+                        ? QStringLiteral("PORT") + blanks + QString::number(i)
+                        : QStringLiteral("%1. %2").arg(i).arg(output.output_name));
+            compare("speed", i,
+                    matrix->widget<QComboBox>("comboBox_output_port_%1", i)->currentText(), speed);
+        }
+        return lines.join(QLatin1Char('\n'));
+    }
+
+    QTemporaryDir folder;
+    FileDialogAnswer dialogs;
+    std::unique_ptr<MatrixView> matrix;
+};
+
+} // namespace
+
+class TestRuleFiles : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cancelledDialogs();
+
+    void saves_data();
+    void saves();
+    void savesOverAnotherFile();
+    void otherSuffixes_data();
+    void otherSuffixes();
+    void saveCantOpen_data();
+    void saveCantOpen();
+    void saveRefused_data();
+    void saveRefused();
+    void fileSizeLimit_data();
+    void fileSizeLimit();
+    void fullDevice();
+    void fullFileSystem();
+    void whatWasDownloadedIsSaved();
+
+    void loads_data();
+    void loads();
+    void loadLooksAtNoSuffix();
+    void loadCantOpen();
+    void loadFails_data();
+    void loadFails();
+    void failedLoadShowsOnlySpeeds();
+    void roundTrip();
+
+    void loadWhileConnected();
+    void failedLoadWhileConnected();
+    void loadWhileNotConnected();
+    void linkDiesUnderTheDialog();
+    void linkDiesUnderTheBox();
+
+    void foreignInputs_data();
+    void foreignInputs();
+    void foreignInputsOnTheWire();
+    void cutAtEveryLength();
+    void everyByteFlipped();
+};
+
+void TestRuleFiles::cancelledDialogs()
+{
+    Bench bench;
+    fill(bench.window, richModel());
+    const RouterModel before = bench.window.routerModel();
+    bench.save(QString());
+    bench.load(QString());
+    QCOMPARE(bench.dialogs.answered(), 2);
+    QCOMPARE(bench.report(), QString());
+    QVERIFY(bench.window.routerModel() == before);
+    QVERIFY(QDir(bench.folder.path()).isEmpty());
+}
+
+void TestRuleFiles::saves_data()
+{
+    QTest::addColumn<Setup>("setup");
+    QTest::addColumn<QString>("golden");
+
+    QTest::newRow("a window as it starts") << Setup([](MainWindow &) {}) << "rules-default.vrr";
+    QTest::newRow("every field in use")
+        << Setup([](MainWindow &window) { fill(window, richModel()); }) << "rules-rich.vrr";
+}
+
+void TestRuleFiles::saves()
+{
+    QFETCH(Setup, setup);
+    QFETCH(QString, golden);
+    Bench bench;
+    setup(bench.window);
+    bench.save(bench.path("rules.vrr"));
+    QCOMPARE(bench.report(), QString()); // and no message of success
+    QCOMPARE(contentOf(bench.path("rules.vrr")).toHex(' '),
+             dataFile(golden.toLatin1().constData()).toHex(' '));
+    QVERIFY(bench.heard().isEmpty());
+}
+
+void TestRuleFiles::savesOverAnotherFile()
+{
+    Bench bench;
+    makeFile(bench.path("rules.vrr"), QByteArray(5000, 'x'));
+    bench.expectReplaceQuestion("rules.vrr");
+    bench.save(bench.path("rules.vrr"));
+    QCOMPARE(bench.report(), QString());
+    QCOMPARE(contentOf(bench.path("rules.vrr")), dataFile("rules-default.vrr"));
+}
+
+void TestRuleFiles::otherSuffixes_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("isWritten");
+
+    const auto row = [](const char *name, bool isWritten) {
+        QTest::newRow(name) << QString::fromLatin1(name) << isWritten;
+    };
+    row("rules.vrr", true);
+    row("rules.old.vrr", true);
+    row(".vrr", true);
+    row("rules", false);
+    row("vrr", false);
+    row("rules.VRR", false);
+    row("rules.Vrr", false);
+    row("rules.vrr1", false);
+    row("rules.vrr.bak", false);
+    row("rules.", false);
+}
+
+void TestRuleFiles::otherSuffixes()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, isWritten);
+    Bench bench;
+    bench.save(bench.path(name));
+    QCOMPARE(bench.report(), QString());
+    QVERIFY(QFile::exists(bench.path(name)));
+    QCOMPARE(contentOf(bench.path(name)), isWritten ? dataFile("rules-default.vrr") : QByteArray());
+    if (isWritten)
+        return;
+
+    makeFile(bench.path(name), "an older one");
+    bench.expectReplaceQuestion(name);
+    bench.save(bench.path(name));
+    QCOMPARE(bench.report(), QString());
+    QCOMPARE(contentOf(bench.path(name)), QByteArray());
+}
+
+void TestRuleFiles::saveCantOpen_data()
+{
+    QTest::addColumn<QString>("name");
+
+    QTest::newRow("in a folder that isn't there") << "nowhere/rules.vrr";
+    QTest::newRow("whatever its suffix") << "nowhere/rules";
+}
+
+void TestRuleFiles::saveCantOpen()
+{
+    QFETCH(QString, name);
+    Bench bench;
+    const QString path = bench.path(name);
+    bench.expectWarning(saveTitle, QStringLiteral("Error open file %1").arg(path));
+    bench.save(path);
+    QCOMPARE(bench.report(), QString());
+}
+
+void TestRuleFiles::saveRefused_data()
+{
+    QTest::addColumn<Setup>("setup");
+
+    QTest::newRow("a header override without its header")
+        << Setup([](MainWindow &window) { window.slotVRNewRule(11, 11, 0xf3, 0x08); });
+    QTest::newRow("a header of one character") << Setup([](MainWindow &window) {
+        window.slotVRNewRule(0, 0, 0xf3, 0x08);
+        window.slotVRNewHdr(0, 0, QStringLiteral("G"));
+    });
+    QTest::newRow("a sentence name of two characters")
+        << Setup([](MainWindow &window) { window.slotVRNewFilterStr(31, QStringLiteral("MW")); });
+    QTest::newRow("a sentence name of four characters")
+        << Setup([](MainWindow &window) { window.slotVRNewFilterStr(0, QStringLiteral("RMCX")); });
+}
+
+void TestRuleFiles::saveRefused()
+{
+    QFETCH(Setup, setup);
+    Bench bench;
+    setup(bench.window);
+    const QString path = bench.path("rules.vrr");
+    const QString error = QStringLiteral("Error save rules to %1").arg(path);
+    bench.expectWarning(saveTitle, error);
+    bench.save(path);
+    QCOMPARE(bench.report(), QString());
+    QVERIFY(!QFile::exists(path));
+
+    makeFile(path, dataFile("rules-rich.vrr"));
+    bench.expectReplaceQuestion("rules.vrr");
+    bench.expectWarning(saveTitle, error);
+    bench.save(path);
+    QCOMPARE(bench.report(), QString());
+    QVERIFY(!QFile::exists(path)); // nor is the older one left
+}
+
+void TestRuleFiles::fileSizeLimit_data()
+{
+    QTest::addColumn<int>("limit");
+    QTest::addColumn<bool>("isSaved");
+
+    const int size = dataFile("rules-default.vrr").size();
+    QTest::newRow("no byte fits") << 0 << false;
+    QTest::newRow("the magic fits") << 3 << false;
+    QTest::newRow("half a file fits") << size / 2 << false;
+    QTest::newRow("all but one byte fit") << size - 1 << false;
+    QTest::newRow("the whole file fits") << size << true;
+}
+
+void TestRuleFiles::fileSizeLimit()
+{
+    QFETCH(int, limit);
+    QFETCH(bool, isSaved);
+    Bench bench;
+    const QString path = bench.path("rules.vrr");
+    if (!isSaved)
+        bench.expectWarning(saveTitle, QStringLiteral("Error save rules to %1").arg(path));
+    {
+        const FileSizeLimit fileSizeLimit(static_cast<rlim_t>(limit));
+        bench.save(path);
+    }
+    QCOMPARE(bench.report(), QString());
+    QCOMPARE(QFile::exists(path), isSaved);
+}
+
+void TestRuleFiles::fullDevice()
+{
+    if (!QFile::exists("/dev/full"))
+        QSKIP("no device that is always full");
+    Bench bench;
+    const QString path = bench.path("rules.vrr");
+    QVERIFY(QFile::link("/dev/full", path));
+    bench.expectReplaceQuestion("rules.vrr");
+    bench.expectWarning(saveTitle, QStringLiteral("Error save rules to %1").arg(path));
+    bench.save(path);
+    QCOMPARE(bench.report(), QString());
+    QVERIFY(!QFileInfo(path).isSymLink()); // the link is gone, the device stays
+    QVERIFY(QFile::exists("/dev/full"));
+}
+
+void TestRuleFiles::fullFileSystem()
+{
+#ifdef Q_OS_LINUX
+    Bench bench;
+    const QString mountPoint = bench.path("disk");
+    QVERIFY(QDir().mkdir(mountPoint));
+    if (::mount("none", qPrintable(mountPoint), "tmpfs", 0, "size=16k") != 0)
+        QSKIP("needs the right to mount a file system");
+    const auto unmount = qScopeGuard([&] { ::umount2(qPrintable(mountPoint), MNT_DETACH); });
+
+    QFile filler(mountPoint + "/filler");
+    QVERIFY(filler.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    while (filler.write(QByteArray(512, 'x')) > 0) { }
+    filler.close();
+
+    const QString path = mountPoint + "/rules.vrr";
+    bench.expectWarning(saveTitle, QStringLiteral("Error save rules to %1").arg(path));
+    bench.save(path);
+    QCOMPARE(bench.report(), QString());
+    QVERIFY(!QFile::exists(path));
+
+    QVERIFY(filler.remove());
+    bench.save(path);
+    QCOMPARE(bench.report(), QString());
+    QCOMPARE(contentOf(path), dataFile("rules-default.vrr"));
+#else
+    QSKIP("needs a file system in memory");
+#endif
+}
+
+void TestRuleFiles::whatWasDownloadedIsSaved()
+{
+    Bench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    bench.router.unplug();
+    QTRY_VERIFY_WITH_TIMEOUT(!bench.window.isConnected(), 10000);
+    bench.save(bench.path("rules.vrr"));
+    QCOMPARE(bench.report(), QString());
+    QVERIFY(bench.window.routerModel() != RouterModel());
+    QCOMPARE(contentOf(bench.path("rules.vrr")), written(bench.window.routerModel()));
+}
+
+void TestRuleFiles::loads_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<int>("port");
+    QTest::addColumn<bool>("isRich");
+
+    for (const int port : {0, 1, 7, 11}) {
+        QTest::addRow("every field in use, port %d selected", port)
+            << "rules-rich.vrr" << port << true;
+    }
+    QTest::newRow("a router that nobody has set up, port 3 selected")
+        << "rules-default.vrr" << 3 << false;
+}
+
+void TestRuleFiles::loads()
+{
+    QFETCH(QString, file);
+    QFETCH(int, port);
+    QFETCH(bool, isRich);
+    Bench bench;
+    bench.matrix->outputButton(port)->click();
+    if (!isRich)
+        fill(bench.window, richModel());
+    const RouterModel before = bench.window.routerModel();
+    bench.expectLoaded();
+    bench.loadBytes(dataFile(file.toLatin1().constData()));
+    QCOMPARE(bench.report(), QString());
+    RouterModel expected = isRich ? asLoaded(richModel()) : RouterModel();
+    if (!isRich) { // slots that the file leaves free keep what they had
+        for (std::size_t slot = 12; slot < FilterSlotCount; ++slot)
+            expected.filter_list[slot] = before.filter_list[slot];
+    }
+    QVERIFY(bench.window.routerModel() == expected);
+    QCOMPARE(bench.differences(expected, port), QString());
+    for (int i = 0; i < MatrixView::size; ++i) {
+        bench.matrix->outputButton(i)->click();
+        QCOMPARE(bench.differences(expected, i), QString());
+    }
+}
+
+void TestRuleFiles::loadLooksAtNoSuffix()
+{
+    Bench bench;
+    for (const char *name : {"rules", "rules.txt", "rules.VRR"}) {
+        fill(bench.window, RouterModel());
+        makeFile(bench.path(name), dataFile("rules-rich.vrr"));
+        bench.expectLoaded();
+        bench.load(bench.path(name));
+        QCOMPARE(bench.report(), QString());
+        QCOMPARE(bench.window.routerModel().input_ports[5].input_name, QStringLiteral("g"));
+    }
+}
+
+// A file that vanishes between the dialog and the reading.
+void TestRuleFiles::loadCantOpen()
+{
+    Bench bench;
+    const QString path = bench.path("rules.vrr");
+    makeFile(path, dataFile("rules-rich.vrr"));
+    auto dialog = bench.loadDialog(path);
+    dialog.onFinished = [path] { QFile::remove(path); };
+    bench.dialogs.expect(dialog);
+    bench.expectWarning(loadTitle, QStringLiteral("Error open file %1").arg(path));
+    bench.find<QPushButton>("pushButton_LoadFile")->click();
+    QCOMPARE(bench.report(), QString());
+    QVERIFY(bench.window.routerModel() == RouterModel());
+}
+
+void TestRuleFiles::loadFails_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+
+    const QByteArray good = dataFile("rules-default.vrr");
+    QTest::newRow("an empty file") << QByteArray();
+    QTest::newRow("other magic") << "VRS" + good.mid(3);
+    QTest::newRow("magic alone") << good.left(3);
+    QTest::newRow("torn in a channel") << good.left(200);
+    QTest::newRow("torn in a speed") << good.left(speedOffset + 2);
+    QTest::newRow("torn in the mask of the sentence names") << good.left(inputNamesOffset - 38);
+    QTest::newRow("torn in the last sentence name") << good.left(inputNamesOffset - 1);
+    QTest::newRow("a sentence name with a 0")
+        << good.left(inputNamesOffset - 1) + '\0' + good.mid(inputNamesOffset);
+}
+
+void TestRuleFiles::loadFails()
+{
+    QFETCH(QByteArray, bytes);
+    Bench bench;
+    bench.expectWarning(loadTitle,
+                        QStringLiteral("Error load rules from %1").arg(bench.path("rules.vrr")));
+    bench.loadBytes(bytes);
+    QCOMPARE(bench.report(), QString());
+    QVERIFY(bench.heard().isEmpty());
+}
+
+// No rollback, and no refresh: what was read is in the model, the screen shows of it the speeds.
+void TestRuleFiles::failedLoadShowsOnlySpeeds()
+{
+    Bench bench;
+    const QByteArray rich = dataFile("rules-rich.vrr");
+    const QByteArray torn = rich.left(channelsOffset + 2 * portSize + 1 + 5 * channelSize);
+    bench.expectWarning(loadTitle,
+                        QStringLiteral("Error load rules from %1").arg(bench.path("rules.vrr")));
+    bench.loadBytes(torn);
+    QCOMPARE(bench.report(), QString());
+
+    const RouterModel loaded = asLoaded(richModel());
+    RouterModel expected;
+    expected.output_ports[0] = loaded.output_ports[0];
+    expected.output_ports[1] = loaded.output_ports[1]; // its name has one character
+    std::copy_n(loaded.output_ports[2].channels.begin(), 5,
+                expected.output_ports[2].channels.begin());
+    QVERIFY(bench.window.routerModel() == expected);
+
+    RouterModel shown;
+    shown.output_ports[0].speed = loaded.output_ports[0].speed;
+    shown.output_ports[1].speed = loaded.output_ports[1].speed;
+    QCOMPARE(bench.differences(shown, 0), QString());
+    bench.find<QPushButton>("pushButton_view_speed")->click();
+    const auto labels = bench.window.findChildren<QLabel *>();
+    QVERIFY(std::any_of(labels.begin(), labels.end(), [](const QLabel *label) {
+        return label->isVisible() && label->text() == QStringLiteral("2400");
+    }));
+}
+
+void TestRuleFiles::roundTrip()
+{
+    constexpr quint32 firstSeed = 71000;
+    constexpr quint32 models = 20;
+    Bench bench;
+    for (quint32 seed = firstSeed; seed < firstSeed + models; ++seed) {
+        const QString path = bench.path(QStringLiteral("%1.vrr").arg(seed));
+        const RouterModel model = randomModel(seed);
+        fill(bench.window, model);
+        QVERIFY(bench.window.routerModel() == model);
+        bench.save(path);
+
+        RouterModel other = randomModel(~seed);
+        other.filter_list_mask = 0; // no names in the slots that the file leaves free
+        fill(bench.window, other);
+        QVERIFY(bench.window.routerModel() != model);
+        bench.expectLoaded();
+        bench.load(path);
+        QCOMPARE(bench.report(), QString());
+        QVERIFY(bench.window.routerModel() == model);
+        QCOMPARE(bench.differences(model, 0), QString());
+    }
+}
+
+void TestRuleFiles::loadWhileConnected()
+{
+    Bench bench;
+    bench.router.setWorking(tk7sim::RouterConfig());
+    QVERIFY(bench.connectToRouter());
+    QTRY_VERIFY(bench.heard().contains("$VRVER\r\n"));
+    bench.router.clearTranscript();
+    bench.router.resetCounters();
+
+    QList<QByteArray> expected;
+    const RouterModel rich = richModel();
+    for (int port = 0; port < OutputPortCount; ++port) {
+        const quint32 speed = rich.output_ports[std::size_t(port)].speed;
+        if (speed != DefaultPortSpeed) {
+            expected += checkedSentence("$VRSPD," + QByteArray::number(port) + ','
+                                        + QByteArray::number(speed));
+        }
+    }
+    const int changedSpeeds = expected.size();
+    QVERIFY(changedSpeeds > 0 && changedSpeeds < OutputPortCount);
+    for (const QByteArray &line : dataFile("upload-rich.txt").split('\n')) {
+        if (!line.isEmpty())
+            expected += line + '\n';
+    }
+    QCOMPARE(expected.size(), changedSpeeds + 80);
+
+    bench.expectLoaded();
+    bench.loadBytes(dataFile("rules-rich.vrr"));
+    QCOMPARE(bench.report(), QString());
+    QTRY_VERIFY_WITH_TIMEOUT(bench.heard().size() >= expected.size(), 10000);
+    bench.matrix->channelButton(4)->click(); // a mark behind all that was sent
+    expected += "$VRVVW,4\r\n";
+    QTRY_COMPARE(bench.heard().size(), expected.size());
+    QCOMPARE(bench.heard(), expected); // and not $VRSVR
+    QCOMPARE(bench.router.counters().refusedSentences, quint64(0));
+    QCOMPARE(bench.router.counters().checksumErrors, quint64(0));
+    QVERIFY(bench.router.working() != bench.router.eeprom());
+}
+
+void TestRuleFiles::failedLoadWhileConnected()
+{
+    Bench bench;
+    bench.router.setWorking(tk7sim::RouterConfig());
+    QVERIFY(bench.connectToRouter());
+    QTRY_VERIFY(bench.heard().contains("$VRVER\r\n"));
+    bench.router.clearTranscript();
+    bench.expectWarning(loadTitle,
+                        QStringLiteral("Error load rules from %1").arg(bench.path("rules.vrr")));
+    bench.loadBytes(dataFile("rules-rich.vrr").left(channelsOffset + portSize + 10));
+    QCOMPARE(bench.report(), QString());
+    bench.matrix->channelButton(4)->click();
+    QTRY_VERIFY(bench.heard().contains("$VRVVW,4\r\n"));
+    QCOMPARE(bench.heard(), QList<QByteArray>({checkedSentence("$VRSPD,0,2400"), "$VRVVW,4\r\n"}));
+}
+
+// A router that connects and then says nothing: what a save uploads is what was loaded before.
+void TestRuleFiles::loadWhileNotConnected()
+{
+    Bench bench;
+    bench.expectLoaded();
+    bench.loadBytes(dataFile("rules-rich.vrr"));
+    QCOMPARE(bench.report(), QString());
+    QVERIFY(bench.heard().isEmpty());
+
+    QObject::connect(&bench.router, &tk7sim::RouterSimulator::lineSent, &bench.window, [&] {
+        if (bench.router.handshakes() > 0)
+            bench.router.setFault(tk7sim::Fault::Silent);
+    });
+    bench.find<QPushButton>("pushButton_connect")->click();
+    QTRY_VERIFY_WITH_TIMEOUT(bench.window.isConnected(), 5000);
+    bench.boxes.expect({saveTitle, QStringLiteral("Are you sure you want save rules in Router?"),
+                        QMessageBox::Question, QMessageBox::Ok | QMessageBox::Cancel});
+    bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
+    QTRY_VERIFY_WITH_TIMEOUT(bench.heard().contains("$VRSVR\r\n"), 10000);
+    QByteArray upload;
+    const QList<QByteArray> heard = bench.heard();
+    for (const QByteArray &line : heard.mid(heard.size() - 81, 80))
+        upload += line;
+    QCOMPARE(upload, dataFile("upload-rich.txt"));
+    bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    QTRY_VERIFY_WITH_TIMEOUT(!bench.window.isConnected(), 10000);
+    QCOMPARE(bench.report(), QString());
+}
+
+void TestRuleFiles::linkDiesUnderTheDialog()
+{
+    Bench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    makeFile(bench.path("rules.vrr"), dataFile("rules-rich.vrr"));
+    auto dialog = bench.loadDialog(bench.path("rules.vrr"));
+    dialog.whileOpen = [&bench] {
+        bench.router.unplug();
+        QTRY_VERIFY_WITH_TIMEOUT(!bench.window.isConnected(), 10000);
+        bench.expectLoaded();
+    };
+    bench.dialogs.expect(dialog);
+    bench.find<QPushButton>("pushButton_LoadFile")->click();
+    QCOMPARE(bench.report(), QString());
+    QCOMPARE(bench.window.routerModel().input_ports[5].input_name, QStringLiteral("g"));
+}
+
+// The time-out closes the boxes that wait for the router; this one doesn't.
+void TestRuleFiles::linkDiesUnderTheBox()
+{
+    Bench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.boxes
+        .expect({QStringLiteral("TK-7 Router"), QStringLiteral("Load rules complete"),
+                 QMessageBox::Information, QMessageBox::Ok, QMessageBox::NoButton})
+        .expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    QTimer::singleShot(0, &bench.window, [&] { bench.router.unplug(); });
+    QString lastBox;
+    QTimer close;
+    close.setInterval(20);
+    QObject::connect(&close, &QTimer::timeout, &bench.window, [&] {
+        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        if (!box || bench.boxes.answered() < 3 || bench.window.isConnected())
+            return;
+        lastBox = box->text();
+        box->button(QMessageBox::Ok)->click();
+    });
+    close.start();
+    bench.loadBytes(dataFile("rules-rich.vrr"));
+    QCOMPARE(bench.report(), QString());
+    QCOMPARE(lastBox, QStringLiteral("Load rules complete"));
+    QVERIFY(!bench.window.isConnected());
+}
+
+void TestRuleFiles::foreignInputs_data()
+{
+    QTest::addColumn<int>("number");
+
+    for (const int number : {12, 13, 14, 16, 31, 32, 48, 200, 240, 255})
+        QTest::addRow("port %d", number) << number;
+}
+
+// Whatever an input says that no router has: its cell is empty, takes a label, and gives none.
+void TestRuleFiles::foreignInputs()
+{
+    QFETCH(int, number);
+    RouterModel model;
+    ChannelRecord &both = model.output_ports[0].channels[0];
+    both.main_input = both.reserve_input = quint8(number);
+    both.filter_enabled = both.crs_enabled = both.hdr_enabled = true;
+    both.hdr = QStringLiteral("GP");
+    both.smart_function = 5;
+    ChannelRecord &mixed = model.output_ports[0].channels[11];
+    mixed = both;
+    mixed.reserve_input = 11;
+    model.output_ports[11].channels[11].main_input = quint8(number);
+
+    Bench bench;
+    bench.expectLoaded();
+    bench.loadBytes(written(model));
+    QCOMPARE(bench.report(), QString());
+    QVERIFY(bench.window.routerModel() == model);
+    QCOMPARE(bench.differences(model, 0), QString());
+    QCOMPARE(bench.matrix->row(0), QStringLiteral("-------\"\""));
+    QCOMPARE(bench.matrix->placeOf(11), 32 + 11);
+    for (DragFrame *cell :
+         {bench.matrix->main[0], bench.matrix->reserve[0], bench.matrix->main[11]}) {
+        QVERIFY(cell->findChildren<QLabel *>().isEmpty());
+        bench.window.slotReleaseEvent(cell);
+    }
+    bench.matrix->outputButton(11)->click();
+    QCOMPARE(bench.differences(model, 11), QString());
+    bench.matrix->outputButton(0)->click();
+
+    // The label of port 4 into the cell that the file left with a foreign number, and home again.
+    const auto drop = [&bench](DragFrame *from, DragFrame *to) {
+        bench.window.slotPressEvent(from);
+        bench.window.slotEnterEvent(to);
+        bench.window.slotDropEvent(to);
+    };
+    drop(bench.matrix->homes[4], bench.matrix->main[0]);
+    ChannelRecord expected = both;
+    expected.main_input = 4;
+    QVERIFY(bench.window.routerModel().output_ports[0].channels[0] == expected);
+    QCOMPARE(bench.matrix->row(0), rowOf(expected));
+    QCOMPARE(bench.matrix->placeOf(4), 16);
+    drop(bench.matrix->main[0], bench.matrix->homes[7]);
+    expected = ChannelRecord();
+    expected.reserve_input = quint8(number);
+    QVERIFY(bench.window.routerModel().output_ports[0].channels[0] == expected);
+    QCOMPARE(bench.matrix->row(0), QStringLiteral("-------\"\""));
+    QCOMPARE(bench.matrix->placeOf(4), 48 + 4);
+
+    // A torn file leaves labels where the model has something else by now: nothing breaks.
+    RouterModel torn;
+    for (ChannelRecord &channel : torn.output_ports[0].channels)
+        channel.main_input = channel.reserve_input = quint8(number);
+    bench.expectWarning(loadTitle,
+                        QStringLiteral("Error load rules from %1").arg(bench.path("rules.vrr")));
+    bench.loadBytes(written(torn).left(portSize));
+    QCOMPARE(bench.report(), QString());
+    drop(bench.matrix->reserve[11], bench.matrix->main[3]);
+    drop(bench.matrix->main[3], bench.matrix->homes[2]);
+    bench.window.slotVRPortView(quint8(number));
+    bench.matrix->outputButton(0)->click();
+    QCOMPARE(bench.differences(bench.window.routerModel(), 0), QString());
+}
+
+// Of a rule that names a port 12 to 14 the router would refuse all twelve channels.
+void TestRuleFiles::foreignInputsOnTheWire()
+{
+    RouterModel model;
+    int channel = 0;
+    for (const int number : {12, 13, 14, 16, 200, 255}) {
+        ChannelRecord *records = &model.output_ports[0].channels[std::size_t(channel)];
+        records[0].main_input = quint8(number);
+        records[0].reserve_input = 7;
+        records[1].reserve_input = quint8(number);
+        records[1].crs_enabled = true;
+        channel += 2;
+    }
+    Bench bench;
+    bench.router.setWorking(tk7sim::RouterConfig());
+    QVERIFY(bench.connectToRouter());
+    QTRY_VERIFY(bench.heard().contains("$VRVER\r\n"));
+    bench.router.clearTranscript();
+    bench.router.resetCounters();
+    bench.expectLoaded();
+    bench.loadBytes(written(model));
+    QCOMPARE(bench.report(), QString());
+    QTRY_VERIFY_WITH_TIMEOUT(bench.heard().size() >= 80, 10000);
+    QCOMPARE(bench.heard().size(), 80);
+    QCOMPARE(bench.heard().first(),
+             checkedSentence("$VRRUL,0,B,7F00FF017F00FF017F00FF017F00FF017F00FF017F00FF01"));
+    QCOMPARE(bench.router.counters().refusedSentences, quint64(0));
+    for (std::size_t c = 0; c < 12; ++c) {
+        const tk7sim::Channel &heard = bench.router.working().outputs[0].channels[c];
+        QCOMPARE(int(heard.mainInput), 15);
+        QCOMPARE(int(heard.reserveInput), c % 2 == 0 ? 7 : 15);
+    }
+}
+
+namespace {
+
+/*! Loads \a bytes, expecting the box that is due, and looks at what holds whatever they are. */
+QString loadHostile(Bench &bench, const QByteArray &bytes)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    RouterModel expected = bench.window.routerModel();
+    const bool isGood = RuleFile::read(buffer, expected);
+    if (isGood)
+        bench.expectLoaded();
+    else
+        bench.expectWarning(
+            loadTitle, QStringLiteral("Error load rules from %1").arg(bench.path("rules.vrr")));
+    bench.loadBytes(bytes);
+    if (!bench.report().isEmpty())
+        return bench.report();
+    if (bench.window.routerModel() != expected)
+        return QStringLiteral("another model than the reader's");
+    for (int port = 0; port < MatrixView::size; ++port) {
+        const QLabel *label = bench.matrix->labels[std::size_t(port)];
+        const DragFrame *frame = bench.matrix->frame(bench.matrix->placeOf(port));
+        if (!frame || !frame->rect().contains(label->geometry()))
+            return QStringLiteral("label %1 lies in no frame").arg(port);
+    }
+    for (int i = 0; i < MatrixView::size; ++i) {
+        const ChannelRecord &channel = expected.output_ports[0].channels[std::size_t(i)];
+        const bool isEmptyRow = bench.matrix->row(i).startsWith(QStringLiteral("-------"));
+        if (isGood && isEmptyRow != isEmpty(channel))
+            return QStringLiteral("row %1 is %2").arg(i).arg(bench.matrix->row(i));
+    }
+    return QString();
+}
+
+} // namespace
+
+void TestRuleFiles::cutAtEveryLength()
+{
+    Bench bench;
+    const QByteArray good = dataFile("rules-rich.vrr");
+    for (int size = 0; size <= good.size(); ++size) {
+        const QString report = loadHostile(bench, good.left(size));
+        QVERIFY2(report.isEmpty(), qPrintable(QString::number(size) + ": " + report));
+    }
+    QVERIFY(bench.heard().isEmpty());
+}
+
+void TestRuleFiles::everyByteFlipped()
+{
+    Bench bench;
+    const QByteArray good = dataFile("rules-rich.vrr");
+    for (int offset = 0; offset < good.size(); ++offset) {
+        QByteArray bytes = good;
+        bytes[offset] = char(~bytes.at(offset));
+        const QString report = loadHostile(bench, bytes);
+        QVERIFY2(report.isEmpty(), qPrintable(QString::number(offset) + ": " + report));
+    }
+    QVERIFY(bench.heard().isEmpty());
+}
+
+QTEST_MAIN(TestRuleFiles)
+#include "tst_rulefiles.moc"

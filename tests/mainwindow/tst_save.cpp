@@ -1,0 +1,264 @@
+#include "windowbench.h"
+
+#include <QFile>
+#include <QLabel>
+#include <QPushButton>
+
+using tk7sim::Fault;
+
+/*! The upload of the whole configuration and the save in the router's EEPROM. */
+class tst_save : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void savesInTheRouter();
+    void waitDialogLooks();
+    void uploadIsPaced();
+    void routerCantSave();
+    void lockedRouter();
+    void unlockedRouterIsAsked();
+    void cancelSendsNothing();
+    void linkDiesWhileWaiting();
+    void linkDiesUnderTheQuestion();
+    void busyWhileWaiting();
+    void resultWithoutASave();
+    void nothingWhileNotConnected();
+};
+
+namespace {
+
+const QString saveTitle = QStringLiteral("Save Rules");
+
+BoxAnswer::Box question(QMessageBox::StandardButton click = QMessageBox::Ok)
+{
+    return {saveTitle, QStringLiteral("Are you sure you want save rules in Router?"),
+            QMessageBox::Question, QMessageBox::Ok | QMessageBox::Cancel, click};
+}
+
+BoxAnswer::Box completed()
+{
+    return {QStringLiteral("TK-7 Router"),
+            QStringLiteral("Saving rules in the Router is completed"), QMessageBox::Information};
+}
+
+BoxAnswer::Box failed()
+{
+    return {QStringLiteral("TK-7 Router"), QStringLiteral("Error saving rules in the Router"),
+            QMessageBox::Critical};
+}
+
+QDialog *waitDialog(const WindowBench &bench)
+{
+    return bench.window.findChild<QDialog *>(QStringLiteral("WaitSaveDlg"));
+}
+
+} // namespace
+
+void tst_save::savesInTheRouter()
+{
+    WindowBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.router.setEeprom(tk7sim::RouterConfig());
+    QTRY_VERIFY(bench.heard().contains("$VRVER\r\n"));
+    bench.router.clearTranscript();
+    bench.boxes.expect(question()).expect(completed());
+    bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
+    QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.answered() == 3, 10000);
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    QVERIFY(!waitDialog(bench));
+
+    const QList<QByteArray> heard = bench.heard();
+    QCOMPARE(heard.size(), 81);
+    QCOMPARE(heard.last(), QByteArray("$VRSVR\r\n"));
+    for (int port = 0; port < 12; ++port) {
+        const QByteArray number = QByteArray::number(port);
+        const int first = 6 * port;
+        QVERIFY(heard.at(first).startsWith("$VRRUL," + number + ",B,"));
+        QVERIFY(heard.at(first + 1).startsWith("$VRFLT," + number + ",B,0,"));
+        QVERIFY(heard.at(first + 2).startsWith("$VRFLT," + number + ",B,6,"));
+        QVERIFY(heard.at(first + 3).startsWith("$VRHDC," + number + ",B,"));
+        QCOMPARE(heard.at(first + 4), QByteArray("$VRWBL\r\n"));
+        QVERIFY(heard.at(first + 5).startsWith("$VRSPD," + number + ","));
+    }
+    QVERIFY(bench.router.eeprom() == bench.router.working());
+    QVERIFY(bench.router.eeprom() == tk7sim::RouterConfig::factory());
+}
+
+void tst_save::waitDialogLooks()
+{
+    WindowBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.boxes.expect(question()).expect(completed());
+    bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
+    const QPointer<QDialog> dialog = ::waitDialog(bench);
+    QVERIFY(dialog && dialog->isVisible());
+    QVERIFY(dialog->isModal());
+    QCOMPARE(dialog->windowFlags() & Qt::WindowType_Mask, Qt::WindowFlags(Qt::ToolTip));
+    QCOMPARE(dialog->minimumSize(), QSize(225, 77));
+    QCOMPARE(dialog->maximumSize(), QSize(225, 77));
+    QCOMPARE(dialog->font().pointSize(), 10);
+    QVERIFY(dialog->autoFillBackground());
+    const QColor red(240, 102, 104);
+    QCOMPARE(dialog->palette().color(QPalette::Active, QPalette::Window), red);
+    QCOMPARE(dialog->palette().color(QPalette::Inactive, QPalette::Window), red);
+    QCOMPARE(dialog->palette().color(QPalette::Disabled, QPalette::Window), red);
+    QCOMPARE(dialog->palette().color(QPalette::Active, QPalette::Base), QColor(Qt::white));
+    QCOMPARE(dialog->palette().color(QPalette::Inactive, QPalette::Base), QColor(Qt::white));
+    QCOMPARE(dialog->palette().color(QPalette::Disabled, QPalette::Base), red);
+    const auto *label = dialog->findChild<QLabel *>(QStringLiteral("label"));
+    const auto *label2 = dialog->findChild<QLabel *>(QStringLiteral("label_2"));
+    QCOMPARE(label->text(), QStringLiteral("Saving rules in the EEPROM"));
+    QCOMPARE(label->geometry(), QRect(40, 20, 181, 16));
+    QCOMPARE(label2->text(), QStringLiteral("Please WAIT..."));
+    QCOMPARE(label2->geometry(), QRect(80, 40, 101, 20));
+    QTRY_VERIFY_WITH_TIMEOUT(!dialog, 10000);
+}
+
+// One line a tick: the line is quiet between any two, whatever they weigh.
+void tst_save::uploadIsPaced()
+{
+    WindowBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.router.clearTranscript();
+    bench.boxes.expect(question()).expect(completed());
+    bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
+    QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.answered() == 3, 10000);
+    QList<qint64> times;
+    for (const auto &received : bench.router.transcript()) {
+        if (received.line.startsWith("$VRRUL") || received.line == "$VRSVR\r\n")
+            times += received.microseconds;
+    }
+    QCOMPARE(times.size(), 13);
+    // 80 ticks of 25 ms lie between the first and the last. A busy machine can only stretch them.
+    const qint64 span = (times.last() - times.first()) / 1000;
+    QVERIFY2(span >= 1950, qPrintable(QString::number(span)));
+}
+
+void tst_save::routerCantSave()
+{
+    WindowBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.router.setFault(Fault::SaveError);
+    bench.boxes.expect(question()).expect(failed());
+    bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
+    QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.answered() == 3, 10000);
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    QVERIFY(!::waitDialog(bench));
+    QVERIFY(bench.window.isConnected());
+}
+
+void tst_save::lockedRouter()
+{
+    WindowBench bench;
+    bench.router.setFault(Fault::Locked);
+    QVERIFY(bench.connectToRouter());
+    const auto *lock = bench.find<QLabel>("label_lock");
+    QTRY_VERIFY(lock->isVisible());
+    QCOMPARE(lock->text(), QStringLiteral("LOCK"));
+    QTRY_VERIFY(bench.heard().contains("$VRVER\r\n"));
+    bench.router.clearTranscript();
+    bench.boxes.expect(
+        {saveTitle,
+         QStringLiteral(
+             "Router TK-7 is LOCKED.\r\nSaving Rules is not posible until you unlock the router."),
+         QMessageBox::Critical});
+    bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
+    QCOMPARE(bench.boxes.answered(), 2);
+    bench.find<QPushButton>("pushButton_output_port_3")->click();
+    QTRY_VERIFY(!bench.heard().isEmpty());
+    QCOMPARE(bench.heard(), QList<QByteArray>({"$VRVVW,63\r\n"}));
+}
+
+void tst_save::unlockedRouterIsAsked()
+{
+    WindowBench bench;
+    bench.router.setLock(true, 2);
+    QVERIFY(bench.connectToRouter());
+    const auto *lock = bench.find<QLabel>("label_lock");
+    QTRY_COMPARE(lock->text(), QStringLiteral("UNLOCK"));
+    QVERIFY(lock->isVisible());
+    bench.boxes.expect(question(QMessageBox::Cancel));
+    bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
+    QCOMPARE(bench.boxes.answered(), 2);
+}
+
+void tst_save::cancelSendsNothing()
+{
+    WindowBench bench;
+    QVERIFY(bench.connectToRouter());
+    QTRY_VERIFY(bench.heard().contains("$VRVER\r\n"));
+    bench.router.clearTranscript();
+    bench.boxes.expect(question(QMessageBox::Cancel));
+    bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
+    QVERIFY(!::waitDialog(bench));
+    bench.find<QPushButton>("pushButton_output_port_3")->click();
+    QTRY_VERIFY(!bench.heard().isEmpty());
+    QCOMPARE(bench.heard(), QList<QByteArray>({"$VRVVW,63\r\n"}));
+}
+
+void tst_save::linkDiesWhileWaiting()
+{
+    WindowBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.boxes.expect(question())
+        .expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
+    QVERIFY(::waitDialog(bench));
+    bench.router.unplug();
+    QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.answered() == 3, 10000);
+    QVERIFY(!::waitDialog(bench));
+    QTRY_VERIFY(!bench.window.isConnected());
+    QVERIFY(bench.router.plug());
+    bench.selectRouterPort();
+    QVERIFY2(bench.connectToRouter(), qPrintable(bench.boxes.report()));
+}
+
+// The question goes with the link; its answer, had it come, would have meant nothing.
+void tst_save::linkDiesUnderTheQuestion()
+{
+    WindowBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.boxes.expect(question(QMessageBox::NoButton))
+        .expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    QTimer::singleShot(0, &bench.window, [&] { bench.router.unplug(); });
+    bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
+    QCOMPARE(bench.boxes.answered(), 3);
+    QVERIFY(!bench.window.isConnected());
+    QVERIFY(!::waitDialog(bench));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+void tst_save::busyWhileWaiting()
+{
+    WindowBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.boxes.expect(question())
+        .expect(WindowBench::linkBox(QStringLiteral("TK-7 Router Busy another Control programm")));
+    bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
+    bench.router.sendLine("$VRCNB\r\n");
+    QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.answered() == 3, 10000);
+    QVERIFY(!::waitDialog(bench));
+    QTRY_VERIFY(!bench.window.isConnected());
+}
+
+void tst_save::resultWithoutASave()
+{
+    WindowBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.boxes.expect(completed()).expect(failed());
+    bench.router.sendLine("$VRSRO\r\n$VRSRE\r\n");
+    QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.answered() == 3, 5000);
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+void tst_save::nothingWhileNotConnected()
+{
+    WindowBench bench;
+    bench.window.slotSaveToEeprom();
+    QVERIFY(!::waitDialog(bench));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+QTEST_MAIN(tst_save)
+#include "tst_save.moc"

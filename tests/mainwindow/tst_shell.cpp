@@ -1,0 +1,351 @@
+#include "mainwindow/mainwindow.h"
+#include "widgets/uiscale.h"
+
+#include <QComboBox>
+#include <QDir>
+#include <QFile>
+#include <QFrame>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QPushButton>
+#include <QScreen>
+#include <QStatusBar>
+#include <QStyle>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+/*! The window's frame: start, geometry, scale, list of ports. Runs at 96 and at 144 dots per inch.
+ */
+class tst_shell : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanup();
+
+    void title();
+    void topBar_data();
+    void topBar();
+    void windowSizes();
+    void connectionLabelsAreEmpty();
+    void styleSheets_data();
+    void styleSheets();
+    void logoIsTheServiceButton();
+    void nothingReachesBeyondItsParent();
+    void labelsShowTheirWholeText();
+    void lowWindowScrolls();
+
+    void rescanKeepsTheCurrentPort();
+    void rescanSortsByCase();
+    void rescanFallsBackToTheFirst();
+    void noPortDisablesConnect();
+
+private:
+    void publish(const QString &name);
+    void withdraw(const QString &name);
+    QStringList listed(const MainWindow &window) const;
+
+    QTemporaryDir m_runtime;
+    QDir m_folder;
+    QList<int> m_terminals;
+    double m_scale = 1;
+};
+
+namespace {
+
+QRect span(int left, int top, int right, int bottom)
+{
+    return QRect(QPoint(left, top), QPoint(right, bottom));
+}
+
+int cut(int length, double factor)
+{
+    return int(length * factor);
+}
+
+} // namespace
+
+void tst_shell::initTestCase()
+{
+    QVERIFY(m_runtime.isValid());
+    QVERIFY(QFile::setPermissions(m_runtime.path(),
+                                  QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_runtime.path()));
+    QVERIFY(QDir(m_runtime.path()).mkdir(QStringLiteral("tk7-ports")));
+    m_folder.setPath(m_runtime.filePath(QStringLiteral("tk7-ports")));
+    m_scale = QGuiApplication::primaryScreen()->logicalDotsPerInchX() / 96.0;
+    // CTest runs this program once for each resolution.
+    if (qEnvironmentVariableIsSet("TK7_EXPECTED_SCALE"))
+        QCOMPARE(m_scale, qEnvironmentVariable("TK7_EXPECTED_SCALE").toDouble());
+    QCOMPARE(ui_scale(), m_scale);
+}
+
+void tst_shell::cleanup()
+{
+    for (const QString &link : m_folder.entryList(QDir::Files | QDir::System))
+        QFile::remove(m_folder.filePath(link));
+    for (int terminal : qAsConst(m_terminals))
+        ::close(terminal);
+    m_terminals.clear();
+}
+
+void tst_shell::publish(const QString &name)
+{
+    const int master = posix_openpt(O_RDWR | O_NOCTTY);
+    QVERIFY(master >= 0);
+    QVERIFY(grantpt(master) == 0 && unlockpt(master) == 0);
+    m_terminals += master;
+    QVERIFY(QFile::link(QFile::decodeName(ptsname(master)), m_folder.filePath(name)));
+}
+
+void tst_shell::withdraw(const QString &name)
+{
+    QVERIFY(QFile::remove(m_folder.filePath(name)));
+}
+
+QStringList tst_shell::listed(const MainWindow &window) const
+{
+    const auto *box = window.findChild<QComboBox *>(QStringLiteral("comboBox_connect_port"));
+    QStringList names;
+    for (int i = 0; i < box->count(); ++i)
+        names += box->itemText(i);
+    return names;
+}
+
+void tst_shell::title()
+{
+    MainWindow window;
+    QCOMPARE(window.windowTitle(), QStringLiteral("Brelland Sea Works - TK-7 v4.0"));
+}
+
+void tst_shell::topBar_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QRect>("place");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("enabled");
+
+    QTest::newRow("frame") << "frame" << span(4, 0, 848, 46) << QString() << true;
+    QTest::newRow("label") << "label_com_port" << span(8, 6, 72, 40) << "COM port:" << true;
+    QTest::newRow("ports") << "comboBox_connect_port" << span(80, 6, 169, 40) << QString() << true;
+    QTest::newRow("rescan") << "pushButton_rescan_ports" << span(180, 6, 269, 40) << "Rescan Ports"
+                            << true;
+    QTest::newRow("connect") << "pushButton_connect" << span(280, 6, 369, 40) << "Connect" << true;
+    QTest::newRow("save in router")
+        << "pushButton_SaveEEPROM" << span(410, 6, 499, 40) << "Save Rules\nin Router" << false;
+    QTest::newRow("save to file") << "pushButton_SaveFile" << span(510, 6, 599, 40)
+                                  << "Save Rules\nto File" << true;
+    QTest::newRow("load from file")
+        << "pushButton_LoadFile" << span(610, 6, 699, 40) << "Load Rules\nfrom File" << true;
+    QTest::newRow("service") << "pushButton_Service" << span(740, 6, 829, 40) << QString() << true;
+
+    QTest::newRow("label_3") << "label_3" << span(4, 6, 81, 21) << QString() << true;
+    QTest::newRow("status") << "label_vr48_status" << span(85, 6, 157, 21) << QString() << true;
+    QTest::newRow("version") << "label_firmware_version" << span(4, 22, 66, 42) << QString()
+                             << true;
+    QTest::newRow("port") << "label_vr48_port" << span(168, 6, 222, 21) << QString() << true;
+    QTest::newRow("errors") << "label_vr48_errors" << span(168, 22, 214, 42) << QString() << true;
+    QTest::newRow("mode") << "label_firmware_mode" << span(66, 22, 152, 42) << QString() << true;
+    QTest::newRow("flash page") << "label_vr48_flash_page" << span(215, 22, 228, 42) << QString()
+                                << true;
+}
+
+void tst_shell::topBar()
+{
+    QFETCH(QString, name);
+    QFETCH(QRect, place);
+    QFETCH(QString, text);
+    QFETCH(bool, enabled);
+
+    publish(QStringLiteral("port"));
+    MainWindow window;
+    window.show();
+    const auto *widget = window.findChild<QWidget *>(name);
+    QVERIFY(widget);
+    QCOMPARE(widget->pos(), QPoint(cut(place.x(), m_scale), cut(place.y(), m_scale)));
+    QCOMPARE(widget->size(), QSize(cut(place.width(), m_scale), cut(place.height(), m_scale)));
+    QCOMPARE(widget->isEnabled(), enabled);
+    const QVariant shown = widget->property("text");
+    if (shown.isValid())
+        QCOMPARE(shown.toString(), text);
+}
+
+void tst_shell::windowSizes()
+{
+    MainWindow window;
+    const int width = cut(853, m_scale);
+    const int panel = cut(197, m_scale);
+    QCOMPARE(window.minimumWidth(), width);
+    QCOMPARE(window.maximumWidth(), width);
+    QCOMPARE(window.minimumHeight(), int(47 * m_scale + panel));
+
+    const QRect available = QGuiApplication::primaryScreen()->availableGeometry();
+    const int titleBar = window.style()->pixelMetric(QStyle::PM_TitleBarHeight);
+    const int full = cut(600, m_scale) + panel;
+    const bool isLow = full >= available.height() - titleBar - 9;
+    QCOMPARE(window.height(), isLow ? available.height() - titleBar - 10 : full);
+}
+
+void tst_shell::connectionLabelsAreEmpty()
+{
+    MainWindow window;
+    const auto *frame = window.findChild<QFrame *>(QStringLiteral("frame_output_ports_12"));
+    QVERIFY(frame);
+    const auto labels = frame->findChildren<QLabel *>();
+    QCOMPARE(labels.size(), 7);
+    for (const QLabel *label : labels)
+        QCOMPARE(label->text(), QString());
+}
+
+void tst_shell::styleSheets_data()
+{
+    QTest::addColumn<QString>("sheet");
+    const QString orange = QStringLiteral("QLabel { color : rgb(255,95,0); }");
+    const QString blue = QStringLiteral("QLabel { color : rgb(5,0,180); }");
+    QTest::newRow("label_input_ports") << orange;
+    QTest::newRow("label_input_channels") << orange;
+    QTest::newRow("label_vr48_status") << orange;
+    QTest::newRow("label_cur_ch_out") << blue;
+    QTest::newRow("label_output_ports") << blue;
+}
+
+void tst_shell::styleSheets()
+{
+    QFETCH(QString, sheet);
+    MainWindow window;
+    const auto *label = window.findChild<QLabel *>(QString::fromLatin1(QTest::currentDataTag()));
+    QVERIFY(label);
+    QCOMPARE(label->styleSheet(), sheet);
+}
+
+void tst_shell::logoIsTheServiceButton()
+{
+    MainWindow window;
+    window.show();
+    const auto *button = window.findChild<QPushButton *>(QStringLiteral("pushButton_Service"));
+    QVERIFY(!button->icon().isNull());
+    QCOMPARE(button->iconSize(), button->size());
+    QCOMPARE(QPixmap(QStringLiteral(":/icons/logo-180x60-transparent.png")).size(), QSize(180, 60));
+}
+
+// The list of the monitor follows the height of the window, the rest has its stated place.
+void tst_shell::nothingReachesBeyondItsParent()
+{
+    MainWindow window;
+    window.show();
+    window.resize(window.width(), cut(600, m_scale) + cut(197, m_scale));
+    QCoreApplication::processEvents();
+    const auto frames = window.findChildren<QFrame *>();
+    for (const QFrame *frame : frames) {
+        if (!frame->isVisible() || frame->objectName().isEmpty() || frame->isWindow())
+            continue;
+        const QRect room(QPoint(), frame->parentWidget()->size());
+        if (frame->objectName() == QLatin1String("frame_input_channels_tabl"))
+            continue; // wider than its scroll area by the width of the area's frame
+        QVERIFY2(room.contains(frame->geometry()), qPrintable(frame->objectName()));
+    }
+}
+
+void tst_shell::labelsShowTheirWholeText()
+{
+    MainWindow window;
+    window.show();
+    const auto labels = window.findChildren<QLabel *>();
+    for (const QLabel *label : labels) {
+        if (!label->isVisible() || label->text().isEmpty())
+            continue;
+        const QSize needed = label->sizeHint();
+        QVERIFY2(needed.width() <= label->width(), qPrintable(label->objectName() + label->text()));
+    }
+    const auto buttons = window.findChildren<QPushButton *>();
+    for (const QPushButton *button : buttons) {
+        const QStringList lines = button->text().split(QLatin1Char('\n'));
+        for (const QString &line : lines) {
+            const int needed = button->fontMetrics().horizontalAdvance(line);
+            QVERIFY2(needed <= button->width(), qPrintable(button->objectName() + line));
+        }
+    }
+}
+
+void tst_shell::lowWindowScrolls()
+{
+    MainWindow window;
+    window.show();
+    const auto *area = window.findChild<QWidget *>(QStringLiteral("scrollAreaInputPorts"));
+    const auto *bar = window.findChild<QStatusBar *>();
+    window.resize(window.width(), window.minimumHeight() + 100);
+    QCoreApplication::processEvents();
+    QCOMPARE(area->y() + area->height(), bar->y() - 1);
+
+    window.resize(window.width(), window.minimumHeight());
+    QCoreApplication::processEvents();
+    QCOMPARE(area->height(), 0);
+
+    window.resize(window.width(), cut(600, m_scale) + cut(197, m_scale));
+    QCoreApplication::processEvents();
+    QCOMPARE(area->height(), cut(477, m_scale));
+}
+
+void tst_shell::rescanKeepsTheCurrentPort()
+{
+    publish(QStringLiteral("mmm"));
+    publish(QStringLiteral("zzz"));
+    MainWindow window;
+    auto *box = window.findChild<QComboBox *>(QStringLiteral("comboBox_connect_port"));
+    box->setCurrentText(QStringLiteral("mmm"));
+    publish(QStringLiteral("aaa"));
+    window.findChild<QPushButton *>(QStringLiteral("pushButton_rescan_ports"))->click();
+    QCOMPARE(box->currentText(), QStringLiteral("mmm"));
+    QVERIFY(listed(window).contains(QStringLiteral("aaa")));
+}
+
+void tst_shell::rescanSortsByCase()
+{
+    for (const char *name : {"b", "a", "B", "A"})
+        publish(QString::fromLatin1(name));
+    MainWindow window;
+    QStringList own;
+    for (const QString &name : listed(window)) {
+        if (name.size() == 1)
+            own += name;
+    }
+    QCOMPARE(own,
+             QStringList({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("a"),
+                          QStringLiteral("b")}));
+}
+
+void tst_shell::rescanFallsBackToTheFirst()
+{
+    publish(QStringLiteral("mmm"));
+    MainWindow window;
+    auto *box = window.findChild<QComboBox *>(QStringLiteral("comboBox_connect_port"));
+    box->setCurrentText(QStringLiteral("mmm"));
+    publish(QStringLiteral("MMM"));
+    withdraw(QStringLiteral("mmm"));
+    window.slotRescanPorts();
+    QCOMPARE(box->currentIndex(), 0);
+    QVERIFY(!listed(window).contains(QStringLiteral("mmm")));
+}
+
+void tst_shell::noPortDisablesConnect()
+{
+    MainWindow window;
+    const auto *connectButton =
+        window.findChild<QPushButton *>(QStringLiteral("pushButton_connect"));
+    // The machine may have serial ports of its own.
+    QCOMPARE(connectButton->isEnabled(), !listed(window).isEmpty());
+    publish(QStringLiteral("port"));
+    window.slotRescanPorts();
+    QVERIFY(connectButton->isEnabled());
+    withdraw(QStringLiteral("port"));
+    window.slotRescanPorts();
+    QCOMPARE(connectButton->isEnabled(), !listed(window).isEmpty());
+}
+
+QTEST_MAIN(tst_shell)
+#include "tst_shell.moc"

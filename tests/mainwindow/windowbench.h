@@ -1,0 +1,48 @@
+#pragma once
+
+#include "mainwindow/mainwindow.h"
+#include "simulator/routersimulator.h"
+#include "support/boxanswer.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+/*!
+ * The real window, and a simulated router to wire it to by a pseudo-terminal.
+ *
+ * The router is silent but for what the tool asks, and starts at 4800 baud, the first of a search.
+ */
+class WindowBench
+{
+public:
+    WindowBench();
+
+    MainWindow window;
+    tk7sim::RouterSimulator router;
+    BoxAnswer boxes;
+
+    /*! The widget with this object name; fails hard if there is none. */
+    template <typename Widget> Widget *find(const QString &name) const
+    {
+        auto *widget = window.findChild<Widget *>(name);
+        if (!widget)
+            qFatal("no widget %s", qPrintable(name));
+        return widget;
+    }
+
+    /*! Makes the router's present terminal the current entry of the list of ports. */
+    void selectRouterPort();
+
+    /*! Presses Connect and waits for the end of the download, whose box is answered. */
+    bool connectToRouter();
+
+    /*! The box at the end of a download. */
+    static BoxAnswer::Box downloadBox();
+
+    /*! A warning of the link, titled "COM Port". */
+    static BoxAnswer::Box linkBox(const QString &text);
+
+    /*! The lines that the router has heard since the last clearTranscript(), without watch queries.
+     */
+    QList<QByteArray> heard() const;
+};
