@@ -30,7 +30,7 @@ QString pseudoTerminalBehind(const QString &link)
     static const QString multiplexer = QStringLiteral("/dev/pts/ptmx"); // makes them, is none
     if (!isOwnLink(link))
         return QString();
-    const QString device = QFileInfo(link).canonicalFilePath();
+    QString device = QFileInfo(link).canonicalFilePath();
     if (!device.startsWith(pseudoTerminalFolder) || device == multiplexer)
         return QString();
     struct stat info = {};
