@@ -61,8 +61,7 @@ public:
 
     void writeName(const QString &name)
     {
-        if (!name.isEmpty())
-            writeText(name, name.size());
+        writeText(name, name.size());
         writeByte(0);
     }
 
@@ -124,14 +123,14 @@ QString peekText(QIODevice &device, int count)
     const int zero = bytes.indexOf('\0');
     if (zero >= 0)
         bytes.truncate(zero);
-    return QString::fromUtf8(bytes);
+    return QString::fromUtf8(bytes.constData(), bytes.size());
 }
 
 // The length in characters is also what is left behind in the device, with the zero. A name that is
 // not plain ASCII, or has none, deliberately leads the next field astray.
 QString readName(QIODevice &device)
 {
-    const QString name = peekText(device, PortNameLength);
+    QString name = peekText(device, PortNameLength);
     device.skip(name.size() + 1);
     return name;
 }

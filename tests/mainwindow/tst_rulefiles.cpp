@@ -8,6 +8,7 @@
 #include <QBuffer>
 #include <QComboBox>
 #include <QDir>
+#include <QDrag>
 #include <QFile>
 #include <QScopeGuard>
 #include <QTemporaryDir>
@@ -126,6 +127,28 @@ int placeOf(int port, const OutputPortRecord &shown)
             place = 32 + c;
     }
     return place;
+}
+
+/*! Drags the label in \a from to \a to by the mouse; returns whether \a to took it. */
+bool drag(DragFrame *from, DragFrame *to)
+{
+    const auto middle = [](const QWidget *widget) {
+        return widget->mapTo(widget->window(), widget->rect().center());
+    };
+    QWindow *screen = from->window()->windowHandle();
+    bool isTaken = false;
+    QTest::mousePress(screen, Qt::LeftButton, Qt::NoModifier, middle(from));
+    QTimer::singleShot(0, from, [&] {
+        const auto *begun = from->window()->findChild<QDrag *>();
+        QTest::mouseMove(screen, middle(to));
+        isTaken = begun && begun->target() != nullptr;
+        QTest::mouseRelease(screen, Qt::LeftButton, Qt::NoModifier, middle(to));
+    });
+    // The drag begins and ends within this move.
+    QTest::mouseMove(screen, middle(from) + QPoint(QApplication::startDragDistance() + 1, 0));
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    return isTaken;
 }
 
 /*! Sets back the size limit of files when it goes out of scope. */
@@ -264,6 +287,14 @@ struct Bench : WindowBench
 class TestRuleFiles : public QObject
 {
     Q_OBJECT
+
+public:
+    // Unlike the offscreen platform this one plays a drag.
+    static void initMain()
+    {
+        qputenv("QT_QPA_PLATFORM", "minimal");
+        qputenv("QT_FONT_DPI", "96");
+    }
 
 private slots:
     void cancelledDialogs();
@@ -850,18 +881,14 @@ void TestRuleFiles::foreignInputs()
     bench.matrix->outputButton(0)->click();
 
     // The label of port 4 into the cell that the file left with a foreign number, and home again.
-    const auto drop = [&bench](DragFrame *from, DragFrame *to) {
-        bench.window.slotPressEvent(from);
-        bench.window.slotEnterEvent(to);
-        bench.window.slotDropEvent(to);
-    };
-    drop(bench.matrix->homes[4], bench.matrix->main[0]);
+    bench.window.resize(853, 1000); // the screen is too low for the whole matrix
+    QVERIFY(drag(bench.matrix->homes[4], bench.matrix->main[0]));
     ChannelRecord expected = both;
     expected.main_input = 4;
     QVERIFY(bench.window.routerModel().output_ports[0].channels[0] == expected);
     QCOMPARE(bench.matrix->row(0), rowOf(expected));
     QCOMPARE(bench.matrix->placeOf(4), 16);
-    drop(bench.matrix->main[0], bench.matrix->homes[7]);
+    QVERIFY(drag(bench.matrix->main[0], bench.matrix->homes[7]));
     expected = ChannelRecord();
     expected.reserve_input = quint8(number);
     QVERIFY(bench.window.routerModel().output_ports[0].channels[0] == expected);
@@ -876,6 +903,11 @@ void TestRuleFiles::foreignInputs()
                         QStringLiteral("Error load rules from %1").arg(bench.path("rules.vrr")));
     bench.loadBytes(written(torn).left(portSize));
     QCOMPARE(bench.report(), QString());
+    const auto drop = [&bench](DragFrame *from, DragFrame *to) {
+        bench.window.slotPressEvent(from);
+        bench.window.slotEnterEvent(to);
+        bench.window.slotDropEvent(to);
+    };
     drop(bench.matrix->reserve[11], bench.matrix->main[3]);
     drop(bench.matrix->main[3], bench.matrix->homes[2]);
     bench.window.slotVRPortView(quint8(number));

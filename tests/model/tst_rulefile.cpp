@@ -724,8 +724,6 @@ void TestRuleFile::fullDevice()
     }
 }
 
-// Names cut off: the golden file, whose names are of all lengths. Nothing behind the fixed parts: a
-// file whose last byte is a sentence name.
 void TestRuleFile::cutAtEveryLength_data()
 {
     QTest::addColumn<Setup>("setup");
@@ -742,6 +740,7 @@ void TestRuleFile::cutAtEveryLength_data()
             port.input_name = "abcdefgh";
     });
     QTest::newRow("a router that nobody has set up") << Setup([](RouterModel &) {});
+    QTest::newRow("no slot taken") << Setup([](RouterModel &model) { model.filter_list_mask = 0; });
 }
 
 void TestRuleFile::cutAtEveryLength()

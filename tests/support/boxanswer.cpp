@@ -67,6 +67,9 @@ void BoxAnswer::answer(QMessageBox *box)
     ++m_answered;
     if (expected.click == QMessageBox::NoButton) {
         m_leftOpen = box;
+        // Not from here: the timer must go on, for the boxes that come meanwhile.
+        if (expected.whileOpen)
+            QTimer::singleShot(0, box, [box, use = expected.whileOpen] { use(*box); });
         return;
     }
     box->button(expected.click)->click();

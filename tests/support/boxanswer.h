@@ -7,6 +7,8 @@
 #include <QStringList>
 #include <QTimer>
 
+#include <functional>
+
 /*!
  * Answers modal message boxes as a user would, after a look at the whole box.
  *
@@ -26,9 +28,14 @@ public:
         QMessageBox::Icon icon = QMessageBox::NoIcon;
         QMessageBox::StandardButtons buttons = QMessageBox::Ok;
         QMessageBox::StandardButton click = QMessageBox::Ok; //!< NoButton leaves the box open
+        /*! Run in the event loop of a box that is left open. */
+        std::function<void(QMessageBox &)> whileOpen = nullptr;
     };
 
     explicit BoxAnswer(QObject *parent = nullptr);
+
+    /*! How often it looks for a box; with 0 in every turn of the event loop. */
+    void setLookInterval(int milliseconds) { m_timer.setInterval(milliseconds); }
 
     BoxAnswer &expect(const Box &box);
 
