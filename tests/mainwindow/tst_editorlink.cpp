@@ -44,6 +44,7 @@ class EndingLink
 public:
     explicit EndingLink(const QString &how) : m_how(how)
     {
+        bench.router.setWorking(tk7sim::RouterConfig());
         m_isConnected = bench.connectToRouter();
         MainWindow &window = bench.window;
         window.slotVRNewRule(5, 2, 0xf2, 0x0a); // filter and header override are on

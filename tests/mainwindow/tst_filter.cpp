@@ -611,7 +611,7 @@ void tst_filter::checkBox()
     const ChannelRecord &record = model().output_ports[4].channels[size_t(channel)];
 
     const auto lines = [&](const QByteArray &flags) {
-        const auto word = [](int number, const QByteArray &options) {
+        const auto word = [](int number, const QByteArray &options) -> QByteArray {
             return 'F' + QByteArray::number(number, 16).toUpper() + options;
         };
         const QMap<int, QByteArray> words = {{channel, word(channel, flags)},

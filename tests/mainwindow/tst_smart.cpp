@@ -27,6 +27,7 @@ private slots:
     void cancelSendsNothing();
     void aisNeedsItsFirmware_data();
     void aisNeedsItsFirmware();
+    void aisOfAnEarlierConnection();
     void aisOfTheDownloadedFirmware();
     void routerSpeaksMeanwhile();
     void colors_data();
@@ -245,6 +246,24 @@ void tst_smart::aisNeedsItsFirmware()
     const auto &channels = alone.routerModel().output_ports[0].channels;
     QCOMPARE(int(channels[2].smart_function), 1);
     QCOMPARE(int(channels[3].smart_function), 5);
+}
+
+// The version of the last router says nothing of the one that is connected now.
+void tst_smart::aisOfAnEarlierConnection()
+{
+    MainWindow alone;
+    alone.slotVRNewRule(0, 2, 0xf2, 0x10);
+    alone.findChild<QPushButton *>(QStringLiteral("pushButton_output_port_0"))->click();
+    alone.slotConnectEstablish(0);
+    alone.slotVRVersion(4, 0);
+    m_connected->bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    alone.slotTimeOutConnectPort();
+    alone.slotConnectEstablish(0);
+    auto *smart = alone.findChild<QPushButton *>(QStringLiteral("pushButton_channel_2_smart"));
+    QVERIFY(inDialog<SmartDlg>(smart, [](SmartDlg &dialog) {
+        QVERIFY(!radio(dialog, 5)->isEnabled());
+        dialog.reject();
+    }));
 }
 
 // The same over the wire: the simulated router has told its version in the download.
