@@ -48,6 +48,21 @@ QRect ScreenMap::saveInRouter() const
     return at(414, 6, 90, 35);
 }
 
+QRect ScreenMap::saveToFile() const
+{
+    return at(514, 6, 90, 35);
+}
+
+QRect ScreenMap::loadFromFile() const
+{
+    return at(614, 6, 90, 35);
+}
+
+QRect ScreenMap::returnInputs() const
+{
+    return at(720, 49, 12, 547);
+}
+
 QRect ScreenMap::outputButton(int port) const
 {
     return at(outputRows.x() + 7, outputRows.y() + 4 + outputPitch * port, 93, 25);
@@ -129,4 +144,29 @@ QRect ScreenMap::monitorTitle() const
 QRect ScreenMap::monitorList() const
 {
     return at(panel.x() + 8, panel.y() + 36, 800, 120);
+}
+
+QRect ScreenMap::playButton() const
+{
+    return at(panel.x() + 6, panel.y() + 3, 33, 25);
+}
+
+QRect ScreenMap::foldButton() const
+{
+    return at(panel.x() + 770, panel.y() + 3, 33, 25);
+}
+
+QRect ScreenMap::speedViewButton() const
+{
+    return at(panel.x() + 810, panel.y() + 3, 33, 25);
+}
+
+int ScreenMap::foldedHeight() const
+{
+    return scaled(panel.y()) + scaled(30);
+}
+
+int ScreenMap::speedViewWidth() const
+{
+    return scaled(50);
 }

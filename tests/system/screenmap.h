@@ -17,6 +17,8 @@ public:
     QRect portList() const;
     QRect connectButton() const;
     QRect saveInRouter() const;
+    QRect saveToFile() const;
+    QRect loadFromFile() const;
 
     // The column of the output ports
     QRect outputButton(int port) const;
@@ -38,12 +40,24 @@ public:
     QRect header(int channel) const;
     QRect smartButton(int channel) const;
 
+    //! The bar between the table and the input ports, which takes all inputs back.
+    QRect returnInputs() const;
+
     // The column of the input ports
     QRect inputHome(int port) const;
 
     // The panel at the bottom
     QRect monitorTitle() const;
     QRect monitorList() const;
+    QRect playButton() const;
+    //! Folds the panel; at the same place of the folded one is the button that unfolds it.
+    QRect foldButton() const;
+    QRect speedViewButton() const;
+
+    //! The window's height with the panel folded.
+    int foldedHeight() const;
+    //! How much wider the speeds make the window.
+    int speedViewWidth() const;
 
     //! The window's width.
     int width() const;

@@ -6,6 +6,7 @@
 #include "wait.h"
 
 #include <QElapsedTimer>
+#include <QFile>
 
 #include <cstdio>
 
@@ -92,7 +93,7 @@ QList<QByteArray> downloadConversation(const RouterConfig &config)
     return lines << "$VRVER\r\n";
 }
 
-QList<QByteArray> saveConversation(const RouterConfig &config)
+QList<QByteArray> uploadConversation(const RouterConfig &config)
 {
     QList<QByteArray> lines;
     for (int i = 0; i < portCount; ++i) {
@@ -110,7 +111,12 @@ QList<QByteArray> saveConversation(const RouterConfig &config)
           << "$VRPNM,O,6,"
           << "$VRPNM,I,0,"
           << "$VRPNM,I,6,";
-    return lines << "$VRSVR\r\n";
+    return lines;
+}
+
+QList<QByteArray> saveConversation(const RouterConfig &config)
+{
+    return uploadConversation(config) << "$VRSVR\r\n";
 }
 
 double secondsOf(const QElapsedTimer &timer)
@@ -143,7 +149,15 @@ const Tour::Step Tour::steps[] = {
     {"speeds", "open the speeds of port 5", &Tour::openSpeedList},
     {"speed", "choose 9600", &Tour::chooseSpeed},
     {"view-input", "click on input port 4", &Tour::viewInput},
-    {"save", "press Save Rules in Router", &Tour::pressSave},
+    {"paused", "pause the monitor, and go on", &Tour::pauseMonitor},
+    {"folded", "fold the panel", &Tour::foldPanel},
+    {"unfolded", "unfold it", &Tour::unfoldPanel},
+    {"widened", "show the speeds of the inputs", &Tour::widenWindow},
+    {"narrowed", "hide them again", &Tour::narrowWindow},
+    {"file-saved", "press Save Rules to File, type a name, strike Return", &Tour::saveFile},
+    {"returned", "press >>", &Tour::returnInputs},
+    {"file-loaded", "press Load Rules from File, type the name, strike Return", &Tour::loadFile},
+    {"save", "close the box, press Save Rules in Router", &Tour::pressSave},
     {"saving", "answer Ok", &Tour::confirmSave},
     {"saved", "wait for the router", &Tour::awaitSaved},
     {"disconnect", "close the box, press Disconnect", &Tour::pressDisconnect},
@@ -470,8 +484,115 @@ QString Tour::viewInput()
     return QStringLiteral("its label is orange, its traffic runs through the monitor");
 }
 
+QString Tour::pauseMonitor()
+{
+    constexpr int pause = 1500; // some lines of the port under view
+    m_tool.click(m_tool.map().playButton());
+    runFor(pause / 2);
+    const QImage before = m_tool.look(m_tool.map().monitorList());
+    runFor(pause);
+    require(m_tool.look(m_tool.map().monitorList()) == before,
+            QStringLiteral("lines are still moving"));
+    m_tool.click(m_tool.map().playButton());
+    await([&] { return m_tool.look(m_tool.map().monitorList()) != before; }, hearLimit,
+          QStringLiteral("no traffic is seen"));
+    return QStringLiteral("the lines stand still, and move again");
+}
+
+void Tour::awaitSize(int width, int height)
+{
+    await([&] { return m_tool.mainWindow().place.size() == QSize(width, height); }, paintLimit,
+          QStringLiteral("the window hasn't become %1 by %2").arg(width).arg(height));
+}
+
+QString Tour::foldPanel()
+{
+    m_unfolded = m_tool.mainWindow().place.size();
+    m_tool.click(m_tool.map().foldButton());
+    awaitSize(m_unfolded.width(), m_tool.map().foldedHeight());
+    return QStringLiteral("the panel is a strip with the legend");
+}
+
+QString Tour::unfoldPanel()
+{
+    m_tool.click(m_tool.map().foldButton());
+    awaitSize(m_unfolded.width(), m_unfolded.height());
+    return QStringLiteral("the window is as high as before");
+}
+
+QString Tour::widenWindow()
+{
+    m_tool.click(m_tool.map().speedViewButton());
+    awaitSize(m_unfolded.width() + m_tool.map().speedViewWidth(), m_unfolded.height());
+    return QStringLiteral("the window is wider, with a speed beside each input port");
+}
+
+QString Tour::narrowWindow()
+{
+    m_tool.click(m_tool.map().speedViewButton());
+    awaitSize(m_unfolded.width(), m_unfolded.height());
+    awaitMatrix(m_router.view());
+    return QStringLiteral("the window is as wide as before");
+}
+
+QString Tour::ruleFile() const
+{
+    return QDir(m_options.output).absoluteFilePath(QStringLiteral("rules.vrr"));
+}
+
+QString Tour::saveFile()
+{
+    QFile::remove(ruleFile());
+    m_tool.click(m_tool.map().saveToFile());
+    m_tool.awaitWindow(QStringLiteral("Save rules"), boxLimit);
+    m_tool.desktop().type(ruleFile());
+    m_tool.desktop().strike("Return");
+    QFile file(ruleFile());
+    await([&] { return file.exists() && file.size() > 0; }, boxLimit,
+          QStringLiteral("%1 isn't written").arg(ruleFile()));
+    require(file.open(QIODevice::ReadOnly) && file.read(3) == "VRR",
+            QStringLiteral("%1 is no rule file").arg(ruleFile()));
+    m_listener.expectNothing();
+    return QStringLiteral("a rule file of %1 bytes; the router isn't told").arg(file.size());
+}
+
+QString Tour::returnInputs()
+{
+    m_saved = m_expected;
+    m_tool.click(m_tool.map().returnInputs());
+    m_listener.expect({"$VRRUL,5,W,"}, hearLimit);
+    // The router keeps the masks and headers that a rule doesn't carry.
+    m_expected = m_router.working();
+    for (const auto &channel : m_expected.outputs[chosenOutput].channels) {
+        require(channel.mainInput == noPort && channel.reserveInput == noPort,
+                QStringLiteral("the router still has inputs in output port 5"));
+    }
+    awaitMatrix(m_router.view());
+    return QStringLiteral("the channels of output port 5 are empty, here and in the router");
+}
+
+QString Tour::loadFile()
+{
+    m_tool.click(m_tool.map().loadFromFile());
+    m_tool.awaitWindow(QStringLiteral("Load rules"), boxLimit);
+    m_tool.desktop().type(ruleFile());
+    m_tool.desktop().strike("Return");
+    m_expected = m_saved;
+    // Names have been given that only now reach the router.
+    m_expected.inputNames[namedInput] = newName.toLatin1();
+    m_expected.outputNames[namedOutput] = newOutputName.toLatin1();
+    m_listener.expect(uploadConversation(m_expected), uploadLimit);
+    m_box = m_tool.awaitWindow(routerTitle, boxLimit);
+    require(m_router.working() == m_expected,
+            QStringLiteral("the router's rules aren't those of the file"));
+    require(m_router.eeprom() != m_expected, QStringLiteral("the router has saved its rules"));
+    return QStringLiteral("%1 sentences; the router works by the file's rules").arg(uploadLength);
+}
+
 QString Tour::pressSave()
 {
+    m_tool.acceptBox(m_box);
+    awaitMatrix(m_router.view());
     m_tool.click(m_tool.map().saveInRouter());
     m_box = m_tool.awaitWindow(saveTitle, boxLimit);
     m_listener.expectNothing();
@@ -489,8 +610,6 @@ QString Tour::confirmSave()
 
 QString Tour::awaitSaved()
 {
-    m_expected.inputNames[namedInput] = newName.toLatin1();
-    m_expected.outputNames[namedOutput] = newOutputName.toLatin1();
     const QList<ReceivedLine> upload = m_listener.expect(saveConversation(m_expected), uploadLimit);
     // The first half may have been heard late, while a picture was written.
     constexpr int half = uploadLength / 2;

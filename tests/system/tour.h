@@ -59,6 +59,14 @@ private:
     QString openSpeedList();
     QString chooseSpeed();
     QString viewInput();
+    QString pauseMonitor();
+    QString foldPanel();
+    QString unfoldPanel();
+    QString widenWindow();
+    QString narrowWindow();
+    QString saveFile();
+    QString returnInputs();
+    QString loadFile();
     QString pressSave();
     QString confirmSave();
     QString awaitSaved();
@@ -72,19 +80,23 @@ private:
     void dragLabel(const QRect &from, const QRect &to);
     void select(int output);
     void awaitMatrix(int view);
+    void awaitSize(int width, int height);
     void awaitIdle();
     void connectAndDownload();
     QImage label(const QRect &frame) const;
     void openEditor(const QRect &place);
+    QString ruleFile() const;
 
     Options m_options;
     tk7sim::RouterSimulator m_spareRouter; // another router on the same machine, which stays alone
     tk7sim::RouterSimulator m_router;
     tk7sim::RouterConfig m_expected; // what the router must have in its working memory
+    tk7sim::RouterConfig m_saved;    // what is in the rule file
     Listener m_listener;
     Tool m_tool;
     int m_output = 0;       // the output port that the window shows
     XDesktop::Window m_box; // the open message box
+    QSize m_unfolded;       // of the window
     QImage m_idleSaveButton;
     QImage m_idleConnectionLabels;
     QImage m_unnamedLabel;
