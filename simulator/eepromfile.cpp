@@ -1,6 +1,7 @@
 #include "simulator/eepromfile.h"
 
 #include "simulator/linespeed.h"
+#include "simulator/lockstore.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -56,6 +57,15 @@ public:
         }
         m_ok = m_ok && fits;
         return string.toLatin1();
+    }
+
+    // A file that was written before there were passwords has none.
+    QByteArray password(const QJsonValue &value)
+    {
+        const QByteArray text = value.toString().toLatin1();
+        const bool isGood = text.isEmpty() || LockStore::isPassword(text);
+        m_ok = m_ok && isGood && (value.isString() || value.isUndefined());
+        return text;
     }
 
     QJsonArray array(const QJsonValue &value, int size)
@@ -115,8 +125,9 @@ Channel channelFromJson(const QJsonObject &object, Reader *reader)
     return channel;
 }
 
-QJsonObject toJson(const RouterConfig &config)
+QJsonObject toJson(const EepromContents &contents)
 {
+    const RouterConfig &config = contents.config;
     QJsonArray outputs;
     QJsonArray speeds;
     QJsonArray inputNames;
@@ -135,11 +146,14 @@ QJsonObject toJson(const RouterConfig &config)
     for (const QByteArray &formatter : config.filterList) {
         filterList.append(QString::fromLatin1(formatter));
     }
-    return {
-        {QStringLiteral("format"), formatName},     {QStringLiteral("version"), fileVersion},
-        {QStringLiteral("outputs"), outputs},       {QStringLiteral("speeds"), speeds},
-        {QStringLiteral("inputNames"), inputNames}, {QStringLiteral("outputNames"), outputNames},
-        {QStringLiteral("filterList"), filterList}};
+    return {{QStringLiteral("format"), formatName},
+            {QStringLiteral("version"), fileVersion},
+            {QStringLiteral("outputs"), outputs},
+            {QStringLiteral("speeds"), speeds},
+            {QStringLiteral("inputNames"), inputNames},
+            {QStringLiteral("outputNames"), outputNames},
+            {QStringLiteral("filterList"), filterList},
+            {QStringLiteral("lockPassword"), QString::fromLatin1(contents.lockPassword)}};
 }
 
 template <size_t Count, typename Convert>
@@ -167,9 +181,10 @@ void readOutput(Output *output, const QJsonValue &value, Reader *reader)
     });
 }
 
-std::optional<RouterConfig> fromJson(const QJsonObject &object)
+std::optional<EepromContents> fromJson(const QJsonObject &object)
 {
-    RouterConfig config;
+    EepromContents contents;
+    RouterConfig &config = contents.config;
     Reader reader;
     const auto value = [&](const char *key) { return object.value(QLatin1String(key)); };
     readArray<portCount>(value("outputs"), &reader, [&](size_t i, const QJsonValue &v) {
@@ -187,7 +202,8 @@ std::optional<RouterConfig> fromJson(const QJsonObject &object)
     readArray<filterSlotCount>(value("filterList"), &reader, [&](size_t i, const QJsonValue &v) {
         config.filterList[i] = reader.text(v, formatterLength, formatterLength);
     });
-    return reader.isOk() ? std::optional(config) : std::nullopt;
+    contents.lockPassword = reader.password(value("lockPassword"));
+    return reader.isOk() ? std::optional(contents) : std::nullopt;
 }
 
 } // namespace
@@ -199,7 +215,7 @@ bool EepromFile::exists() const
     return !isNull() && QFile::exists(m_path);
 }
 
-std::optional<RouterConfig> EepromFile::load()
+std::optional<EepromContents> EepromFile::load()
 {
     QFile file(m_path);
     if (!file.open(QIODevice::ReadOnly)) {
@@ -219,20 +235,22 @@ std::optional<RouterConfig> EepromFile::load()
         m_error = QStringLiteral("%1: not a file of this simulator").arg(m_path);
         return std::nullopt;
     }
-    auto config = fromJson(object);
+    auto contents = fromJson(object);
     m_error =
-        config ? QString() : QStringLiteral("%1: a value is missing or out of range").arg(m_path);
-    return config;
+        contents ? QString() : QStringLiteral("%1: a value is missing or out of range").arg(m_path);
+    return contents;
 }
 
-bool EepromFile::save(const RouterConfig &config)
+bool EepromFile::save(const EepromContents &contents)
 {
     if (isNull()) {
         return true;
     }
     QSaveFile file(m_path);
-    const QByteArray bytes = QJsonDocument(toJson(config)).toJson();
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+    const QByteArray bytes = QJsonDocument(toJson(contents)).toJson();
+    const auto owner = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
+    if (!file.open(QIODevice::WriteOnly) || !file.setPermissions(owner)
+        || file.write(bytes) != bytes.size() || !file.commit()) {
         m_error = QStringLiteral("%1: %2").arg(m_path, file.errorString());
         return false;
     }

@@ -1,5 +1,7 @@
 #include "simulator/faults.h"
 
+#include "simulator/routerconfig.h"
+
 #include <algorithm>
 
 namespace tk7sim {
@@ -8,6 +10,8 @@ namespace {
 
 constexpr double oneDay = 86400.0;    // seconds
 constexpr double oneMinute = 60000.0; // milliseconds
+constexpr double maxPacket = 40000.0; // above the last packet of the longest firmware
+constexpr double maxCode = 65535.0;
 
 } // namespace
 
@@ -32,6 +36,27 @@ const QVector<FaultInfo> &faultTable()
          "the cable is pulled out, once, that long after a connection"},
         {Fault::Replug, "replug", "SECONDS", 5, oneDay,
          "an unplugged cable is put back that long after it was pulled out"},
+        {Fault::InputSilent, "input-silent", "PORT", 0, portCount - 1,
+         "nothing comes from the instrument at that input port", true},
+        {Fault::InputErrors, "input-errors", "PERCENT", 10, 100,
+         "that many of a hundred sentences reach the inputs with a wrong checksum"},
+        {Fault::InputDamage, "input-damage", "PERCENT", 10, 100,
+         "that many of a hundred sentences reach the inputs as no sentences any more"},
+        {Fault::FwRefuse, "fw-refuse", nullptr, 0, 0, "refuses a firmware update"},
+        {Fault::FwWrongNumber, "fw-wrong-number", "PACKET", 2, maxPacket,
+         "acknowledges that firmware packet by the number behind it", true},
+        {Fault::FwRepeat, "fw-repeat", "PACKET", 2, maxPacket,
+         "acknowledges that firmware packet twice", true},
+        {Fault::FwEarly, "fw-early", "PACKET", 2, maxPacket,
+         "acknowledges that firmware packet together with the one before, and not again", true},
+        {Fault::FwLate, "fw-late", "MILLISECONDS", 300, oneMinute,
+         "says everything in a firmware update that much late"},
+        {Fault::FwSilentAt, "fw-silent-at", "PACKET", 2, maxPacket,
+         "leaves a firmware update at that packet, without a word", true},
+        {Fault::FwError, "fw-error", "CODE", 7, maxCode,
+         "ends a firmware update with that error, behind its last packet", true},
+        {Fault::FwErrorAt, "fw-error-at", "PACKET", 2, maxPacket,
+         "ends a firmware update with an error (fw-error says which) at that packet", true},
     };
     return table;
 }

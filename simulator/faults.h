@@ -19,7 +19,18 @@ enum class Fault {
     Locked,    //!< reports that it is locked, and refuses a save
     Slow,      //!< answers late; value: milliseconds
     Unplugged, //!< the cable is pulled out once; value: seconds after a connection
-    Replug     //!< an unplugged cable is put back; value: seconds after it was pulled out
+    Replug,    //!< an unplugged cable is put back; value: seconds after it was pulled out
+    InputSilent,   //!< nothing comes from an instrument; value: its port. Set again: one more
+    InputErrors,   //!< inputs get sentences with a wrong checksum; value: per cent of them
+    InputDamage,   //!< inputs get what is no sentence any more; value: per cent of them
+    FwRefuse,      //!< takes no firmware
+    FwWrongNumber, //!< acknowledges the packet behind it instead; value: number of the packet
+    FwRepeat,      //!< acknowledges a packet twice; value: its number
+    FwEarly,       //!< acknowledges a packet before it has come; value: its number
+    FwLate,        //!< every word of an update comes late; value: milliseconds
+    FwSilentAt,    //!< says nothing more in an update; value: number of the packet
+    FwError,       //!< reports an error at the end of an update; value: its code
+    FwErrorAt      //!< reports an error instead of an acknowledgement; value: number of the packet
 };
 
 /*! A row of the table of faults. */
@@ -31,6 +42,7 @@ struct FaultInfo
     double defaultValue;   //!< where no value is given
     double maximum;        //!< greatest value, the least is 0
     const char *text;      //!< one line for a user
+    bool isWhole = false;  //!< the value has no fraction
 };
 
 /*! All faults, in the order of the enumeration. */

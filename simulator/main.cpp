@@ -1,3 +1,4 @@
+#include "simulator/passwordmask.h"
 #include "simulator/routersimulator.h"
 #include "simulator/simulatoroptions.h"
 #include "simulator/stopsignals.h"
@@ -50,6 +51,23 @@ void printNames(const RouterSimulator &simulator)
               .arg(simulator.speed()));
 }
 
+void watchService(RouterSimulator *simulator)
+{
+    QObject::connect(simulator, &RouterSimulator::modeChanged, simulator,
+                     [](const QByteArray &mode) {
+                         print(stdout, QStringLiteral("mode: %1\n").arg(readable(mode)));
+                     });
+    QObject::connect(simulator, &RouterSimulator::firmwareReceived, simulator,
+                     [](const QByteArray &image) {
+                         print(stdout, QStringLiteral("firmware: %1 bytes\n").arg(image.size()));
+                     });
+    QObject::connect(simulator, &RouterSimulator::rebooting, simulator,
+                     [] { print(stdout, QStringLiteral("rebooting\n")); });
+    QObject::connect(simulator, &RouterSimulator::rebooted, simulator, [simulator] {
+        print(stdout, QStringLiteral("version: %1\n").arg(readable(simulator->version())));
+    });
+}
+
 void watch(RouterSimulator *simulator, const SimulatorOptions &options)
 {
     QObject::connect(simulator, &RouterSimulator::message, simulator, complain);
@@ -69,17 +87,18 @@ void watch(RouterSimulator *simulator, const SimulatorOptions &options)
     QObject::connect(simulator, &RouterSimulator::saved, simulator, [](bool ok) {
         print(stdout, ok ? QStringLiteral("saved\n") : QStringLiteral("save refused\n"));
     });
+    watchService(simulator);
     if (!options.isVerbose()) {
         return;
     }
     QObject::connect(simulator, &RouterSimulator::speedChanged, simulator,
                      [](int baud) { print(stdout, QStringLiteral("speed: %1\n").arg(baud)); });
-    QObject::connect(simulator, &RouterSimulator::lineReceived, simulator,
-                     [](const QByteArray &line) {
-                         print(stdout, QStringLiteral("<- %1\n").arg(readable(line)));
-                     });
+    QObject::connect(
+        simulator, &RouterSimulator::lineReceived, simulator, [](const QByteArray &line) {
+            print(stdout, QStringLiteral("<- %1\n").arg(readable(withoutPassword(line, false))));
+        });
     QObject::connect(simulator, &RouterSimulator::lineSent, simulator, [](const QByteArray &line) {
-        print(stdout, QStringLiteral("-> %1\n").arg(readable(line)));
+        print(stdout, QStringLiteral("-> %1\n").arg(readable(withoutPassword(line, true))));
     });
 }
 

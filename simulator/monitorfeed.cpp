@@ -4,10 +4,17 @@
 
 namespace tk7sim {
 
-MonitorFeed::MonitorFeed(const RouterConfig *config, QObject *parent)
-    : QObject(parent), m_config(config), m_generator(QDateTime::currentDateTimeUtc()), m_timer(this)
+namespace {
+
+// Of the time to make up for, made into lines at once. At a high rate a short step is enough to
+// fill the line.
+constexpr qint64 step = 5; // milliseconds
+
+} // namespace
+
+MonitorFeed::MonitorFeed(const RouterClock *clock, const RouterConfig *config, QObject *parent)
+    : QObject(parent), m_clock(clock), m_config(config), m_generator(clock->start()), m_timer(this)
 {
-    m_clock.start();
     m_timer.setInterval(interval);
     connect(&m_timer, &QTimer::timeout, this, &MonitorFeed::slotTick);
 }
@@ -24,9 +31,23 @@ void MonitorFeed::setRate(double rate)
     startOrStop();
 }
 
+QByteArray MonitorFeed::takeLine()
+{
+    const QByteArray line = m_waiting.dequeue();
+    m_waitingBytes -= line.size();
+    return line;
+}
+
+void MonitorFeed::clear()
+{
+    m_waiting.clear();
+    m_waitingBytes = 0;
+}
+
 void MonitorFeed::startOrStop()
 {
-    m_shownUpTo = elapsed();
+    clear();
+    m_shownUpTo = m_clock->now();
     if (m_view == viewNothing || m_generator.rate() <= 0) {
         m_timer.stop();
     } else if (!m_timer.isActive()) {
@@ -36,12 +57,29 @@ void MonitorFeed::startOrStop()
 
 void MonitorFeed::slotTick()
 {
-    const qint64 now = elapsed();
-    const qint64 from = std::max(m_shownUpTo, now - longestGap);
+    const qint64 now = m_clock->now();
+    qint64 from = std::max(m_shownUpTo, now - longestGap);
     m_shownUpTo = now;
-    const auto lines = m_generator.viewTraffic(m_view, *m_config, from, now);
+    while (from < now && m_waitingBytes < maxWaiting) {
+        const qint64 to = std::min(from + step, now);
+        collect(from, to);
+        from = to;
+    }
+    if (hasLine()) {
+        emit linesWaiting();
+    }
+}
+
+void MonitorFeed::collect(qint64 from, qint64 to)
+{
+    const auto lines = m_generator.viewTraffic(m_view, *m_config, from, to);
     for (const TrafficLine &line : lines) {
-        emit lineDue(line.text + "\r\n");
+        const QByteArray text = line.flaw == LineFlaw::Broken ? line.text : line.text + "\r\n";
+        if (m_waitingBytes + text.size() > maxWaiting) {
+            return;
+        }
+        m_waiting.enqueue(text);
+        m_waitingBytes += text.size();
     }
 }
 

@@ -1,15 +1,20 @@
 #pragma once
 
+#include "simulator/routerclock.h"
 #include "simulator/routerconfig.h"
 #include "simulator/trafficgenerator.h"
 
-#include <QElapsedTimer>
+#include <QByteArray>
 #include <QObject>
+#include <QQueue>
 #include <QTimer>
 
 namespace tk7sim {
 
-/*! Sends the traffic of the port under view as it comes. Its timer runs only while there is one. */
+/*!
+ * Collects the traffic of the port under view as it comes, until somebody has room for it. Its
+ * timer runs only while there is such a port.
+ */
 class MonitorFeed : public QObject
 {
     Q_OBJECT
@@ -17,32 +22,44 @@ class MonitorFeed : public QObject
 public:
     static constexpr int interval = 50;     //!< milliseconds from one look to the next
     static constexpr int longestGap = 1000; //!< milliseconds that a late look makes up for
+    //! Bytes that may wait: what a line at 115200 baud carries in 200 ms. What comes beyond is
+    //! left out.
+    static constexpr int maxWaiting = 2304;
 
-    //! \a config is read at every look, and outlives the feed.
-    explicit MonitorFeed(const RouterConfig *config, QObject *parent = nullptr);
+    //! \a clock and \a config are read at every look, and outlive the feed.
+    explicit MonitorFeed(const RouterClock *clock, const RouterConfig *config,
+                         QObject *parent = nullptr);
 
     int view() const { return m_view; }
-    //! Shows \a viewCode from now on; viewNothing stops.
+    //! Shows \a viewCode from now on, and forgets what waits; viewNothing stops.
     void setView(int viewCode);
     void setRate(double rate);
+    void setConditions(const InputConditions &conditions) { m_generator.setConditions(conditions); }
+
+    const TrafficGenerator &generator() const { return m_generator; }
+
+    bool hasLine() const { return !m_waiting.isEmpty(); }
+    //! The oldest line that waits, with its CR LF unless it has lost it on the way to the router.
+    QByteArray takeLine();
+    //! Drops what waits.
+    void clear();
 
 signals:
-    //! A line with its CR LF.
-    void lineDue(const QByteArray &line);
+    //! There are lines that weren't there before.
+    void linesWaiting();
 
 private:
-    explicit MonitorFeed(const RouterConfig *config, const QDateTime &now, QObject *parent);
-
     void slotTick();
+    void collect(qint64 from, qint64 to);
     void startOrStop();
-    qint64 elapsed() const { return m_clock.elapsed() + m_offset; }
 
+    const RouterClock *m_clock;
     const RouterConfig *m_config;
     TrafficGenerator m_generator;
-    QElapsedTimer m_clock;
-    qint64 m_offset; // milliseconds of the second in which the clock was started
     qint64 m_shownUpTo = 0;
     int m_view = viewNothing;
+    QQueue<QByteArray> m_waiting;
+    int m_waitingBytes = 0;
     QTimer m_timer;
 };
 

@@ -1,5 +1,7 @@
 #include "simulator/routercore.h"
 
+#include "simulator/portstatistics.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -12,6 +14,13 @@ constexpr int defaultSilenceLimit = 10000; // milliseconds
 constexpr int defaultSaveDuration = 300;   // milliseconds
 
 } // namespace
+
+QByteArray RouterStatus::defaultChipId()
+{
+    QByteArray id = "TK-7 SIMUNIT0001";
+    std::reverse(id.begin(), id.end());
+    return id;
+}
 
 // What the router understands once a tool is connected. Before that it only knows the query for a
 // connection.
@@ -30,11 +39,25 @@ const RouterCore::Handler RouterCore::handlers[] = {
     {"WBL", SentenceForm::Bare, &RouterCore::handleBatchEnd},
     {"SVR", SentenceForm::Bare, &RouterCore::handleSave},
     {"VVW", SentenceForm::Plain, &RouterCore::handleView},
+    {"SER", SentenceForm::Bare, &RouterCore::handleChipId},
+    {"STA", SentenceForm::Checked, &RouterCore::handleStatistics},
+    {"STC", SentenceForm::Bare, &RouterCore::handleClearStatistics},
+    {"ATM", SentenceForm::Plain, &RouterCore::handleAisTest},
+    {"MOD", SentenceForm::Checked, &RouterCore::handleMode},
+    {"PWS", SentenceForm::Checked, &RouterCore::handleSetPassword},
+    {"PWU", SentenceForm::Checked, &RouterCore::handleUnlock},
+    {"PWD", SentenceForm::Bare, &RouterCore::handleRemovePassword},
+    {"PWV", SentenceForm::Bare, &RouterCore::handleViewPassword},
+    {"LGO", SentenceForm::Bare, &RouterCore::handleLock},
+    {"FWS", SentenceForm::Bare, &RouterCore::handleFirmwareStart},
+    {"FWP", SentenceForm::Checked, &RouterCore::handleFirmwarePacket},
+    {"FWF", SentenceForm::Bare, &RouterCore::handleFirmwareEnd},
+    {"FWW", SentenceForm::Bare, &RouterCore::handleFirmwareUse},
 };
 
 RouterCore::RouterCore(const FaultSet *faults, QObject *parent)
     : QObject(parent), m_faults(faults), m_startSpeed(defaultStartSpeed), m_speed(m_startSpeed),
-      m_silenceTimer(this), m_saveTimer(this)
+      m_firmware(faults, this), m_silenceTimer(this), m_saveTimer(this), m_rebootTimer(this)
 {
     m_silenceTimer.setSingleShot(true);
     m_silenceTimer.setTimerType(Qt::PreciseTimer);
@@ -43,10 +66,17 @@ RouterCore::RouterCore(const FaultSet *faults, QObject *parent)
     m_saveTimer.setSingleShot(true);
     m_saveTimer.setInterval(defaultSaveDuration);
     connect(&m_saveTimer, &QTimer::timeout, this, &RouterCore::slotSaveDone);
+    m_rebootTimer.setSingleShot(true);
+    m_rebootTimer.setInterval(defaultRebootDuration);
+    connect(&m_rebootTimer, &QTimer::timeout, this, &RouterCore::slotRebootDone);
+    connect(&m_firmware, &FirmwareUpdate::said, this, &RouterCore::say);
 }
 
 void RouterCore::hear(const QByteArray &line)
 {
+    if (isRebooting()) {
+        return;
+    }
     if (m_silenceTimer.isActive()) {
         m_silenceTimer.start();
     }
@@ -56,10 +86,21 @@ void RouterCore::hear(const QByteArray &line)
         return;
     }
     if (sentence->form == SentenceForm::WrongChecksum) {
-        ++m_complaints.checksumErrors;
+        hearSpoilt(*sentence);
         return;
     }
     dispatch(*sentence);
+}
+
+void RouterCore::hearSpoilt(const Sentence &sentence)
+{
+    ++m_complaints.checksumErrors;
+    if (m_statistics) {
+        m_statistics->countChecksumError(m_status.controlPort);
+    }
+    if (sentence.code == "FWP") {
+        m_firmware.takeSpoiltPacket();
+    }
 }
 
 void RouterCore::dispatch(const Sentence &sentence)
@@ -104,6 +145,11 @@ void RouterCore::endConnection()
         emit configurationChanged();
     }
     setView(viewNothing);
+    setAisTest(false);
+    m_firmware.abort();
+    if (m_lock.lock()) {
+        emit lockChanged();
+    }
     m_isAnswering = false;
     if (m_returnsToStartSpeed) {
         setSpeed(m_startSpeed);
@@ -151,10 +197,12 @@ bool RouterCore::setEepromFile(const EepromFile &file)
     if (!m_eepromFile.exists()) {
         return true;
     }
-    const auto config = m_eepromFile.load();
-    m_eeprom = config.value_or(RouterConfig::factory());
+    const auto contents = m_eepromFile.load();
+    m_eeprom = contents ? contents->config : RouterConfig::factory();
     m_working = m_eeprom;
-    return config.has_value();
+    const QByteArray password = contents ? contents->lockPassword : QByteArray();
+    m_lock.set(!password.isEmpty(), 0, password);
+    return contents.has_value();
 }
 
 // Any speed gets an answer; only the answer at 115200 baud makes a connection.
@@ -208,7 +256,7 @@ void RouterCore::handleConfig(const Sentence &sentence)
 {
     const auto change = parseConfigSentence(sentence);
     if (!change) {
-        ++m_complaints.refusedSentences;
+        refuse();
         return;
     }
     if (change->batch) {
@@ -246,7 +294,7 @@ void RouterCore::handleView(const Sentence &sentence)
         ? parseDecimal(sentence.fields.constFirst(), viewNothing)
         : std::nullopt;
     if (!code || !isViewCode(*code)) {
-        ++m_complaints.refusedSentences;
+        refuse();
         return;
     }
     setView(*code);
@@ -260,16 +308,174 @@ void RouterCore::slotSaveDone()
 
 void RouterCore::finishSave()
 {
-    bool ok = !m_faults->has(Fault::SaveError) && !isLocked();
-    if (ok && !m_eepromFile.save(m_saving)) {
-        emit message(m_eepromFile.errorString());
-        ok = false;
-    }
+    const bool ok = !isLocked() && store(m_saving, m_lock.password());
     if (ok) {
         m_eeprom = m_saving;
     }
     say(ok ? "$VRSRO" : "$VRSRE", SentenceForm::Bare);
     emit saved(ok);
+}
+
+bool RouterCore::store(const RouterConfig &config, const QByteArray &password)
+{
+    if (m_faults->has(Fault::SaveError)) {
+        return false;
+    }
+    const bool ok = m_eepromFile.save({config, password});
+    if (!ok) {
+        emit message(m_eepromFile.errorString());
+    }
+    return ok;
+}
+
+void RouterCore::handleChipId(const Sentence & /*sentence*/)
+{
+    say("$VRSER," + m_status.chipId.toHex().toUpper());
+}
+
+void RouterCore::handleStatistics(const Sentence &sentence)
+{
+    const auto port = sentence.fields.size() == 1
+        ? parseDecimal(sentence.fields.constFirst(), portCount - 1)
+        : std::nullopt;
+    if (!port) {
+        refuse();
+        return;
+    }
+    const PortCounters c = m_statistics ? m_statistics->at(*port) : PortCounters();
+    QByteArray body = "$VRSTA," + QByteArray::number(*port);
+    for (const quint32 number : {c.print, c.crs, c.broken, c.size, c.txFull}) {
+        body += ',' + QByteArray::number(number);
+    }
+    say(body);
+}
+
+void RouterCore::handleClearStatistics(const Sentence & /*sentence*/)
+{
+    if (m_statistics) {
+        m_statistics->clear();
+    }
+}
+
+void RouterCore::handleAisTest(const Sentence &sentence)
+{
+    const QByteArray field = sentence.fields.join(',');
+    if (field != "ON" && field != "OFF") {
+        refuse();
+        return;
+    }
+    setAisTest(field == "ON");
+}
+
+void RouterCore::handleMode(const Sentence &sentence)
+{
+    const QByteArray text = sentence.fields.join(',');
+    if (!allows(LockStore::modeLevel) || text.isEmpty() || text.size() > maxModeLength
+        || !isAlphanumeric(text)) {
+        refuse();
+        return;
+    }
+    m_status.mode = text;
+    say("$VRMOD," + text);
+    emit modeChanged(text);
+}
+
+void RouterCore::handleSetPassword(const Sentence &sentence)
+{
+    LockStore next = m_lock;
+    const bool ok = !m_faults->has(Fault::Locked) && next.setPassword(sentence.fields.join(','))
+        && store(m_eeprom, next.password());
+    say(ok ? "$VRPWS,OK" : "$VRPWS,ERROR");
+    if (!ok) {
+        return; // a lock status would speak of a wrong password
+    }
+    m_lock = next;
+    sayLock();
+}
+
+void RouterCore::handleUnlock(const Sentence &sentence)
+{
+    if (!m_faults->has(Fault::Locked)) {
+        m_lock.unlock(sentence.fields.join(','));
+    }
+    sayLock();
+}
+
+void RouterCore::handleRemovePassword(const Sentence & /*sentence*/)
+{
+    LockStore next = m_lock;
+    if (m_faults->has(Fault::Locked) || !next.remove() || !store(m_eeprom, QByteArray())) {
+        refuse();
+        return;
+    }
+    m_lock = next;
+    sayLock();
+}
+
+void RouterCore::handleViewPassword(const Sentence & /*sentence*/)
+{
+    if (!allows(LockStore::viewLevel)) {
+        refuse();
+        return;
+    }
+    say("$VRPWV," + m_lock.password());
+}
+
+void RouterCore::handleLock(const Sentence & /*sentence*/)
+{
+    if (m_faults->has(Fault::Locked) || !m_lock.lock()) {
+        refuse();
+        return;
+    }
+    sayLock();
+}
+
+void RouterCore::handleFirmwareStart(const Sentence & /*sentence*/)
+{
+    m_firmware.start();
+}
+
+void RouterCore::handleFirmwarePacket(const Sentence &sentence)
+{
+    m_firmware.takePacket(sentence);
+}
+
+void RouterCore::handleFirmwareEnd(const Sentence & /*sentence*/)
+{
+    m_firmware.finish();
+}
+
+// The flash memory has two banks, of which the firmware in use fills one; the new one went to the
+// other.
+void RouterCore::handleFirmwareUse(const Sentence & /*sentence*/)
+{
+    const auto header = m_firmware.wholeHeader();
+    if (!m_firmware.apply() || !header) {
+        refuse();
+        return;
+    }
+    m_status.versionMajor = header->versionMajor;
+    m_status.versionMinor = header->versionMinor;
+    if (!header->mode.isEmpty()) {
+        m_status.mode = header->mode;
+    }
+    m_status.flashBank = m_status.flashBank == 0 ? 1 : 0;
+    restart();
+    m_rebootTimer.start();
+    emit rebooting();
+}
+
+void RouterCore::slotRebootDone()
+{
+    emit rebooted();
+}
+
+void RouterCore::setAisTest(bool on)
+{
+    if (on != m_isAisTestOn) {
+        m_isAisTestOn = on;
+        emit aisTestChanged(on);
+    }
 }
 
 void RouterCore::setConnected(bool connected)
@@ -292,7 +498,18 @@ void RouterCore::setView(int viewCode)
 
 bool RouterCore::isLocked() const
 {
-    return m_faults->has(Fault::Locked) || (m_status.lockEnabled && m_status.lockLevel == 0);
+    return m_faults->has(Fault::Locked) || m_lock.isLocked();
+}
+
+bool RouterCore::allows(int level) const
+{
+    return !m_faults->has(Fault::Locked) && m_lock.allows(level);
+}
+
+void RouterCore::sayLock()
+{
+    say(lockBody());
+    emit lockChanged();
 }
 
 void RouterCore::say(const QByteArray &body, SentenceForm form)
@@ -323,8 +540,8 @@ QByteArray RouterCore::lockBody() const
     if (m_faults->has(Fault::Locked)) {
         return "$VRLCK,1,0";
     }
-    return QByteArray("$VRLCK,") + (m_status.lockEnabled ? '1' : '0') + ','
-        + QByteArray::number(m_status.lockLevel);
+    return QByteArray("$VRLCK,") + (m_lock.isEnabled() ? '1' : '0') + ','
+        + QByteArray::number(m_lock.level());
 }
 
 } // namespace tk7sim

@@ -3,6 +3,8 @@
 #include "simulator/configcodec.h"
 #include "simulator/eepromfile.h"
 #include "simulator/faultset.h"
+#include "simulator/firmwareupdate.h"
+#include "simulator/lockstore.h"
 #include "simulator/routerconfig.h"
 #include "simulator/sentence.h"
 
@@ -22,9 +24,11 @@ struct RouterStatus
     quint16 errorCode = 0;
     quint8 errorFault = 0;
     int flashBank = 0;
-    bool lockEnabled = false;
-    int lockLevel = 0;   //!< 0 locked, 1 to 5 open
     int controlPort = 0; //!< the port to which the tool is wired
+    QByteArray chipId = defaultChipId();
+
+    //! Sixteen bytes that read "TK-7  SIM UNIT 0001" where the tool shows them as characters.
+    static QByteArray defaultChipId();
 };
 
 /*! A sentence on its way to the tool. */
@@ -44,6 +48,8 @@ struct RouterComplaints
     quint64 unknownSentences = 0;
 };
 
+class PortStatistics;
+
 /*!
  * The router's mind: takes lines, changes its configuration, answers. It knows no terminal; whoever
  * owns it carries the bytes and tells it when the line has moved to another speed.
@@ -54,6 +60,9 @@ class RouterCore : public QObject
 
 public:
     static constexpr int fastSpeed = 115200;
+    static constexpr int chipIdLength = 16;            //!< bytes
+    static constexpr int maxModeLength = 8;            //!< characters that a tool may set
+    static constexpr int defaultRebootDuration = 3000; //!< milliseconds
 
     //! \a faults is read at every step, and outlives the router.
     explicit RouterCore(const FaultSet *faults, QObject *parent = nullptr);
@@ -66,6 +75,9 @@ public:
     void endConnection();
     //! Power off and on: a write in progress is lost, too.
     void restart();
+    //! True while the router starts with a new firmware; it hears and says nothing then.
+    bool isRebooting() const { return m_rebootTimer.isActive(); }
+    void setRebootDuration(int milliseconds) { m_rebootTimer.setInterval(milliseconds); }
 
     int speed() const { return m_speed; }
     int startSpeed() const { return m_startSpeed; }
@@ -86,6 +98,11 @@ public:
     QString eepromError() const { return m_eepromFile.errorString(); }
     int view() const { return m_view; }
     RouterStatus &status() { return m_status; }
+    LockStore &lock() { return m_lock; }
+    bool isAisTestOn() const { return m_isAisTestOn; }
+    FirmwareUpdate &firmware() { return m_firmware; }
+    //! Where the counters of the ports come from; it outlives the router. Without it they are 0.
+    void setStatistics(PortStatistics *statistics) { m_statistics = statistics; }
     const RouterComplaints &complaints() const { return m_complaints; }
     void resetComplaints() { m_complaints = {}; }
 
@@ -98,6 +115,13 @@ signals:
     void speedChanged(int baud);
     void configurationChanged();
     void saved(bool ok);
+    //! The lock or its level may have changed by what the tool sent.
+    void lockChanged();
+    void modeChanged(const QByteArray &text);
+    void aisTestChanged(bool on);
+    //! The router starts with a new firmware; rebooted() tells when it is there again.
+    void rebooting();
+    void rebooted();
     void message(const QString &text);
 
 private:
@@ -119,14 +143,35 @@ private:
     void handleBatchEnd(const Sentence &sentence);
     void handleSave(const Sentence &sentence);
     void handleView(const Sentence &sentence);
+    void handleChipId(const Sentence &sentence);
+    void handleStatistics(const Sentence &sentence);
+    void handleClearStatistics(const Sentence &sentence);
+    void handleAisTest(const Sentence &sentence);
+    void handleMode(const Sentence &sentence);
+    void handleSetPassword(const Sentence &sentence);
+    void handleUnlock(const Sentence &sentence);
+    void handleRemovePassword(const Sentence &sentence);
+    void handleViewPassword(const Sentence &sentence);
+    void handleLock(const Sentence &sentence);
+    void handleFirmwareStart(const Sentence &sentence);
+    void handleFirmwarePacket(const Sentence &sentence);
+    void handleFirmwareEnd(const Sentence &sentence);
+    void handleFirmwareUse(const Sentence &sentence);
 
     void dispatch(const Sentence &sentence);
+    void hearSpoilt(const Sentence &sentence);
+    void refuse() { ++m_complaints.refusedSentences; }
     void slotSaveDone();
     void finishSave();
+    bool store(const RouterConfig &config, const QByteArray &password);
+    void slotRebootDone();
+    void setAisTest(bool on);
+    void sayLock();
     void setSpeed(int baud);
     void setConnected(bool connected);
     void setView(int viewCode);
     bool isLocked() const;
+    bool allows(int level) const;
     void say(const QByteArray &body, SentenceForm form = SentenceForm::Checked);
     void sayBulk(const QByteArray &body, SentenceForm form = SentenceForm::Checked);
     QByteArray viewBody() const;
@@ -147,9 +192,14 @@ private:
     EepromFile m_eepromFile;
     int m_view = viewNothing;
     RouterStatus m_status;
+    LockStore m_lock;
+    FirmwareUpdate m_firmware;
+    PortStatistics *m_statistics = nullptr;
+    bool m_isAisTestOn = false;
     RouterComplaints m_complaints;
     QTimer m_silenceTimer;
     QTimer m_saveTimer;
+    QTimer m_rebootTimer;
 };
 
 } // namespace tk7sim

@@ -7,7 +7,9 @@
 #include "simulator/linespeed.h"
 #include "simulator/monitorfeed.h"
 #include "simulator/portlink.h"
+#include "simulator/portstatistics.h"
 #include "simulator/pseudoterminal.h"
+#include "simulator/routerclock.h"
 #include "simulator/routercore.h"
 
 #include <QTimer>
@@ -20,9 +22,9 @@ namespace tk7sim {
 namespace {
 
 constexpr double millisecondsPerSecond = 1000.0;
-constexpr double maxRate = 100.0;
-constexpr int bulkShare = 10;       // of a slow router's delay: the gap within its configuration
-constexpr int monitorBacklog = 512; // bytes that may wait before lines of the monitor are left out
+constexpr int settleInterval = 60000; // milliseconds, within what the statistics look back
+constexpr int bulkShare = 10;         // of a slow router's delay: the gap within its configuration
+constexpr int monitorBacklog = 512;   // bytes of the monitor that may stand before an answer
 
 void remember(QList<ReceivedLine> *list, const QByteArray &line, int lineSpeed)
 {
@@ -43,7 +45,9 @@ public:
     void hearLine(const QByteArray &line, int lineSpeed);
     void answer(const Answer &answer);
     void send(const QByteArray &line, bool isBulk = false, int thenSpeed = 0);
+    void pumpTraffic();
     void sendTraffic(const QByteArray &line);
+    void applyConditions();
     void carry(const QByteArray &bytes);
     void replaceTerminal();
     bool plugIn();
@@ -51,7 +55,7 @@ public:
     void startFaultTimers();
     void startFaultTimer(Fault fault, QTimer *timer);
     void fallSilent();
-    bool isDead() const { return silenced || faults.has(Fault::Silent); }
+    bool isDead() const { return silenced || core.isRebooting() || faults.has(Fault::Silent); }
 
     RouterSimulator *q;
     FaultSet faults;
@@ -60,6 +64,9 @@ public:
     LineAssembler assembler;
     LineNoise noise;
     RouterCore core;
+    RouterClock clock;
+    InputConditions conditions;
+    PortStatistics statistics;
     MonitorFeed monitor;
     PortLink link;
     QString publishedName;
@@ -70,6 +77,7 @@ public:
     QTimer silentTimer;
     QTimer unplugTimer;
     QTimer replugTimer;
+    QTimer settleTimer;
     QList<ReceivedLine> transcript;
     QList<ReceivedLine> overheard;
     Counters counters;
@@ -77,8 +85,8 @@ public:
 
 RouterSimulator::Private::Private(RouterSimulator *simulator)
     : q(simulator), terminal(simulator), pacer(simulator), core(&faults, simulator),
-      monitor(&core.working(), simulator), silentTimer(simulator), unplugTimer(simulator),
-      replugTimer(simulator)
+      statistics(&clock, core.working()), monitor(&clock, &core.working(), simulator),
+      silentTimer(simulator), unplugTimer(simulator), replugTimer(simulator), settleTimer(simulator)
 {
     // These objects end with this one, before their parent looks for children.
     pacer.setSpeed(core.speed());
@@ -87,11 +95,7 @@ RouterSimulator::Private::Private(RouterSimulator *simulator)
     connect(&terminal, &PseudoTerminal::lockedOut, q, [this] { replaceTerminal(); });
     connect(&pacer, &LinePacer::bytesDue, q, [this](const QByteArray &bytes) { carry(bytes); });
     connect(&pacer, &LinePacer::speedReached, q, [this](int baud) { core.moveTo(baud); });
-    connect(&monitor, &MonitorFeed::lineDue, q, [this](const QByteArray &line) {
-        if (pacer.queuedBytes() < monitorBacklog) {
-            sendTraffic(line);
-        }
-    });
+    connect(&monitor, &MonitorFeed::linesWaiting, q, [this] { pumpTraffic(); });
     connect(&core, &RouterCore::answered, q, [this](const Answer &a) { answer(a); });
     connect(&core, &RouterCore::ended, q, [this] {
         pacer.clear();
@@ -109,16 +113,33 @@ RouterSimulator::Private::Private(RouterSimulator *simulator)
     connect(&core, &RouterCore::connectedChanged, q, [this](bool connected) {
         if (connected) {
             startFaultTimers();
+            settleTimer.start(settleInterval);
+        } else {
+            settleTimer.stop();
         }
         emit q->connectedChanged(connected);
     });
-    connect(&core, &RouterCore::configurationChanged, q, &RouterSimulator::configurationChanged);
+    core.setStatistics(&statistics);
+    connect(&core, &RouterCore::configurationChanged, q, [this] {
+        statistics.setConfig(core.working());
+        emit q->configurationChanged();
+    });
+    connect(&core, &RouterCore::lockChanged, q,
+            [this] { emit q->lockChanged(core.lock().isEnabled(), core.lock().level()); });
+    connect(&core, &RouterCore::modeChanged, q, &RouterSimulator::modeChanged);
+    connect(&core, &RouterCore::aisTestChanged, q, &RouterSimulator::aisTestChanged);
+    connect(&core, &RouterCore::rebooting, q, &RouterSimulator::rebooting);
+    connect(&core, &RouterCore::rebooted, q, &RouterSimulator::rebooted);
+    connect(&core.firmware(), &FirmwareUpdate::started, q, &RouterSimulator::updateStarted);
+    connect(&core.firmware(), &FirmwareUpdate::received, q,
+            [this] { emit q->firmwareReceived(core.firmware().wholeImage()); });
     connect(&core, &RouterCore::saved, q, &RouterSimulator::saved);
     connect(&core, &RouterCore::message, q, &RouterSimulator::message);
 
     for (QTimer *timer : {&silentTimer, &unplugTimer, &replugTimer}) {
         timer->setSingleShot(true);
     }
+    connect(&settleTimer, &QTimer::timeout, q, [this] { statistics.settle(); });
     connect(&silentTimer, &QTimer::timeout, q, [this] { fallSilent(); });
     connect(&unplugTimer, &QTimer::timeout, q, [this] {
         faults.clear(Fault::Unplugged);
@@ -185,10 +206,30 @@ void RouterSimulator::Private::send(const QByteArray &line, bool isBulk, int the
     emit q->lineSent(line);
 }
 
+// The queue never runs dry while the monitor has more, and an answer never waits behind all of it.
+// While a firmware comes in the router shows no traffic.
+void RouterSimulator::Private::pumpTraffic()
+{
+    if (core.firmware().isActive()) {
+        monitor.clear();
+    }
+    while (monitor.hasLine() && pacer.queuedBytes() < monitorBacklog) {
+        sendTraffic(monitor.takeLine());
+    }
+}
+
 void RouterSimulator::Private::sendTraffic(const QByteArray &line)
 {
-    const bool isSpoilt = faults.has(Fault::WrongChecksums);
+    const bool isSpoilt = faults.has(Fault::WrongChecksums) && line.contains('*');
     send(isSpoilt ? withWrongChecksum(line.left(line.indexOf('*'))) : line);
+}
+
+void RouterSimulator::Private::applyConditions()
+{
+    conditions.wrongChecksums = faults.value(Fault::InputErrors);
+    conditions.damage = faults.value(Fault::InputDamage);
+    monitor.setConditions(conditions);
+    statistics.setConditions(conditions);
 }
 
 // A receiver at another speed than the sender hears as many bytes, but not these.
@@ -197,6 +238,7 @@ void RouterSimulator::Private::carry(const QByteArray &bytes)
     const bool isClean = terminal.lineSpeed() == core.speed();
     const int written = terminal.write(isClean ? bytes : noise.garble(bytes));
     counters.lostBytes += static_cast<quint64>(bytes.size() - written);
+    pumpTraffic();
 }
 
 void RouterSimulator::Private::replaceTerminal()
@@ -412,6 +454,7 @@ const RouterConfig &RouterSimulator::working() const
 void RouterSimulator::setWorking(const RouterConfig &config)
 {
     d->core.setWorking(config);
+    d->statistics.setConfig(config);
 }
 
 const RouterConfig &RouterSimulator::eeprom() const
@@ -427,6 +470,7 @@ void RouterSimulator::setEeprom(const RouterConfig &config)
 bool RouterSimulator::setEepromFile(const QString &path)
 {
     const bool ok = d->core.setEepromFile(EepromFile(path));
+    d->statistics.setConfig(d->core.working());
     d->error = d->core.eepromError();
     return ok;
 }
@@ -447,9 +491,20 @@ void RouterSimulator::setVersion(int major, int minor)
     d->core.status().versionMinor = minor;
 }
 
+QByteArray RouterSimulator::version() const
+{
+    const RouterStatus &status = d->core.status();
+    return QByteArray::number(status.versionMajor) + '.' + QByteArray::number(status.versionMinor);
+}
+
 void RouterSimulator::setMode(const QByteArray &text)
 {
     d->core.status().mode = text;
+}
+
+QByteArray RouterSimulator::mode() const
+{
+    return d->core.status().mode;
 }
 
 void RouterSimulator::setError(quint16 code, quint8 fault)
@@ -463,10 +518,94 @@ void RouterSimulator::setFlashBank(int bank)
     d->core.status().flashBank = bank;
 }
 
+int RouterSimulator::flashBank() const
+{
+    return d->core.status().flashBank;
+}
+
+void RouterSimulator::setChipId(const QByteArray &bytes)
+{
+    if (bytes.size() == RouterCore::chipIdLength) {
+        d->core.status().chipId = bytes;
+    }
+}
+
+QByteArray RouterSimulator::chipId() const
+{
+    return d->core.status().chipId;
+}
+
 void RouterSimulator::setLock(bool enabled, int level)
 {
-    d->core.status().lockEnabled = enabled;
-    d->core.status().lockLevel = level;
+    LockStore &lock = d->core.lock();
+    lock.set(enabled, level, enabled ? lock.password() : QByteArray());
+}
+
+void RouterSimulator::setLockPassword(const QByteArray &password)
+{
+    d->core.lock().set(!password.isEmpty(), 0, password);
+}
+
+QByteArray RouterSimulator::lockPassword() const
+{
+    return d->core.lock().password();
+}
+
+bool RouterSimulator::isLockEnabled() const
+{
+    return d->core.lock().isEnabled();
+}
+
+int RouterSimulator::lockLevel() const
+{
+    return d->core.lock().level();
+}
+
+bool RouterSimulator::isAisTestOn() const
+{
+    return d->core.isAisTestOn();
+}
+
+PortCounters RouterSimulator::portCounters(int port) const
+{
+    return isPort(port) ? d->statistics.at(port) : PortCounters();
+}
+
+void RouterSimulator::setPortCounters(int port, const PortCounters &counters)
+{
+    if (isPort(port)) {
+        d->statistics.set(port, counters);
+    }
+}
+
+QByteArray RouterSimulator::firmwareImage() const
+{
+    return d->core.firmware().wholeImage();
+}
+
+int RouterSimulator::firmwarePackets() const
+{
+    return d->core.firmware().packets();
+}
+
+bool RouterSimulator::isUpdating() const
+{
+    return d->core.firmware().isActive();
+}
+
+void RouterSimulator::setFlashDuration(int milliseconds)
+{
+    d->core.firmware().setFlashDuration(std::max(milliseconds, 0));
+}
+
+void RouterSimulator::setRebootDuration(int milliseconds)
+{
+    d->core.setRebootDuration(std::max(milliseconds, 0));
+}
+
+bool RouterSimulator::isRebooting() const
+{
+    return d->core.isRebooting();
 }
 
 void RouterSimulator::setSaveDuration(int milliseconds)
@@ -476,12 +615,62 @@ void RouterSimulator::setSaveDuration(int milliseconds)
 
 void RouterSimulator::setTrafficRate(double rate)
 {
-    d->monitor.setRate(qBound(0.0, rate, maxRate));
+    d->monitor.setRate(qBound(0.0, rate, maxTrafficRate));
+}
+
+void RouterSimulator::setInputSilent(int port, bool silent)
+{
+    if (!isPort(port) || isInputSilent(port) == silent) {
+        return;
+    }
+    InputSilence &silence = d->conditions.silences[static_cast<size_t>(port)];
+    if (silent) {
+        silence = {d->clock.now(), InputSilence::never};
+        d->faults.set(Fault::InputSilent, port);
+    } else {
+        silence.until = d->clock.now();
+    }
+    d->applyConditions();
+    bool isAnySilent = false;
+    for (int p = 0; p < portCount; ++p) {
+        isAnySilent = isAnySilent || isInputSilent(p);
+    }
+    if (!isAnySilent) {
+        d->faults.clear(Fault::InputSilent);
+    }
+}
+
+bool RouterSimulator::isInputSilent(int port) const
+{
+    return isPort(port) && d->conditions.silences[static_cast<size_t>(port)].covers(d->clock.now());
+}
+
+int RouterSimulator::handoverTime() const
+{
+    return d->conditions.handover;
+}
+
+void RouterSimulator::setHandoverTime(int milliseconds)
+{
+    d->conditions.handover = std::max(milliseconds, 0);
+    d->applyConditions();
+}
+
+int RouterSimulator::activeInput(int outputPort, int channel) const
+{
+    if (!isPort(outputPort) || !isPort(channel)) {
+        return noPort;
+    }
+    const Output &output = d->core.working().outputs[static_cast<size_t>(outputPort)];
+    return d->monitor.generator().activeInput(output.channels[static_cast<size_t>(channel)],
+                                              d->clock.now());
 }
 
 void RouterSimulator::setSeed(quint32 seed)
 {
     d->noise = LineNoise(seed);
+    d->conditions.seed = seed;
+    d->applyConditions();
 }
 
 void RouterSimulator::setFault(Fault fault)
@@ -491,10 +680,15 @@ void RouterSimulator::setFault(Fault fault)
 
 void RouterSimulator::setFault(Fault fault, double value)
 {
+    if (fault == Fault::InputSilent) {
+        setInputSilent(static_cast<int>(qBound(0.0, value, faultInfo(fault).maximum)), true);
+        return;
+    }
     d->faults.set(fault, value);
     if (fault == Fault::Silent) {
         d->pacer.clear();
     }
+    d->applyConditions();
     if (isConnected() && fault == Fault::SilentAfter) {
         d->startFaultTimer(fault, &d->silentTimer);
     }
@@ -515,7 +709,12 @@ void RouterSimulator::clearFault(Fault fault)
         d->replugTimer.stop();
     } else if (fault == Fault::Slow) {
         d->lastDue = 0;
+    } else if (fault == Fault::InputSilent) {
+        for (int port = 0; port < portCount; ++port) {
+            setInputSilent(port, false);
+        }
     }
+    d->applyConditions();
 }
 
 void RouterSimulator::clearFaults()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simulator/faults.h"
+#include "simulator/portcounters.h"
 #include "simulator/routerconfig.h"
 
 #include <QByteArray>
@@ -48,6 +49,7 @@ public:
     static constexpr int fastSpeed = 115200; //!< where every handshake ends
     static constexpr int defaultStartSpeed = 4800;
     static constexpr int maxTranscript = 10000; //!< older entries are dropped
+    static constexpr double maxTrafficRate = 1000;
 
     explicit RouterSimulator(QObject *parent = nullptr);
     ~RouterSimulator() override;
@@ -125,17 +127,70 @@ public:
     //! The port field of the router's answer to a query, 0 to 11.
     void setControlPort(int port);
     void setVersion(int major, int minor);
+    //! The reported version as "3.5".
+    QByteArray version() const;
     void setMode(const QByteArray &text);
+    QByteArray mode() const;
     void setError(quint16 code, quint8 fault);
     void setFlashBank(int bank);
+    int flashBank() const;
+    //! The 16 bytes of the chip's identification; anything else is ignored.
+    void setChipId(const QByteArray &bytes);
+    QByteArray chipId() const;
     //! What is reported of the lock; \a level is 0 (locked) to 5. A locked router refuses a save.
+    //! The password stays, or is forgotten where there is no lock.
     void setLock(bool enabled, int level);
+    //! Locks the router by \a password, 1 to 20 letters and digits; takes the lock away if it is
+    //! empty. It gets into the EEPROM file with the next save.
+    void setLockPassword(const QByteArray &password);
+    QByteArray lockPassword() const;
+    bool isLockEnabled() const;
+    //! 0 locked, 1 to 5 open.
+    int lockLevel() const;
+    //! The tool has begun an AIS test and not ended it.
+    bool isAisTestOn() const;
     //! How long writing the EEPROM takes, in milliseconds. Default 300.
     void setSaveDuration(int milliseconds);
-    //! Times the usual number of lines of the port under view; 0: none. Default 1.
+    //! Times the usual number of lines of the port under view, 0 (none) to maxTrafficRate, at which
+    //! any port's traffic fills a line of 115200 baud. Default 1.
     void setTrafficRate(double rate);
     //! Seed of everything random, so that a run can be repeated.
     void setSeed(quint32 seed);
+
+    // The counters of the ports
+
+    //! What the router reports of \a port, 0 to 11.
+    PortCounters portCounters(int port) const;
+    //! Sets them; they grow on from there.
+    void setPortCounters(int port, const PortCounters &counters);
+
+    // Firmware
+
+    //! The last firmware that arrived whole, byte by byte, whether it was used or not.
+    QByteArray firmwareImage() const;
+    //! Packets of the update in progress, or of the last one, that have been taken.
+    int firmwarePackets() const;
+    //! From the tool's request until the firmware has arrived or the router has ended the update.
+    bool isUpdating() const;
+    //! Milliseconds until the router is ready for the first packet, and for its check of the whole.
+    //! Default 200.
+    void setFlashDuration(int milliseconds);
+    //! Milliseconds of silence before a new firmware runs. Default 3000.
+    void setRebootDuration(int milliseconds);
+    bool isRebooting() const;
+
+    // The instruments
+
+    //! Lets the instrument at input \a port (0 to 11) fall silent, or speak again. Any number of
+    //! them can be silent. The same as the fault InputSilent.
+    void setInputSilent(int port, bool silent);
+    bool isInputSilent(int port) const;
+    //! Milliseconds of silence of a main input after which a channel takes its reserve input.
+    //! Default 3000. It goes back as soon as the main input returns.
+    int handoverTime() const;
+    void setHandoverTime(int milliseconds);
+    //! The input that \a channel of \a outputPort (each 0 to 11) listens to at present; 15: none.
+    int activeInput(int outputPort, int channel) const;
 
     // Faults
 
@@ -177,6 +232,18 @@ signals:
     //! The end of a save; \a ok is what the tool is told.
     void saved(bool ok);
     void viewChanged(int viewCode);
+    //! The lock or its level may have changed by what the tool sent, or by the end of a connection.
+    void lockChanged(bool enabled, int level);
+    //! The mode was set by the tool.
+    void modeChanged(const QByteArray &text);
+    void aisTestChanged(bool on);
+    //! A firmware update has begun.
+    void updateStarted();
+    //! A firmware has arrived whole; it is used when the tool says so.
+    void firmwareReceived(const QByteArray &image);
+    //! The router falls silent, and is there again with its new firmware.
+    void rebooting();
+    void rebooted();
     void speedChanged(int baud);
     //! The working configuration has changed by what the tool sent.
     void configurationChanged();

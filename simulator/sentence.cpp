@@ -103,6 +103,13 @@ std::optional<quint32> parseHex(const QByteArray &field, int digits)
     return field.toUInt(nullptr, 16);
 }
 
+bool isAlphanumeric(const QByteArray &text)
+{
+    return std::all_of(text.cbegin(), text.cend(), [](char c) {
+        return isCapital(c) || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
+    });
+}
+
 QByteArray hex(quint32 value, int digits)
 {
     return QByteArray::number(value, 16).toUpper().rightJustified(digits, '0');

@@ -37,6 +37,8 @@ std::optional<Sentence> parseSentence(const QByteArray &line);
 std::optional<int> parseDecimal(const QByteArray &field, int maximum);
 /*! A field of exactly \a digits hexadecimal digits, 8 at most; nothing if it is anything else. */
 std::optional<quint32> parseHex(const QByteArray &field, int digits);
+/*! True if \a text holds nothing but digits and Latin letters. */
+bool isAlphanumeric(const QByteArray &text);
 /*! \a value as \a digits upper-case hexadecimal digits. */
 QByteArray hex(quint32 value, int digits);
 

@@ -8,14 +8,16 @@
 #include <QCommandLineParser>
 
 #include <algorithm>
+#include <cmath>
 
 namespace tk7sim {
 
 namespace {
 
-constexpr double maxRate = 100;
 constexpr double maxSeed = 4294967295.0;
 constexpr double maxSilence = 86400; // seconds
+constexpr double maxHandover = 3600; // seconds
+constexpr double maxReboot = 3600;   // seconds
 constexpr double maxBank = 255;
 constexpr int maxVersion = 255;
 constexpr int maxModeLength = 16;
@@ -45,12 +47,17 @@ void addOptions(QCommandLineParser *parser)
     add("mode", "Mode that the router reports; letters and digits.", "TEXT", "NORMAL");
     add("bank", "Flash bank that the router reports.", "BANK", "0");
     add("eeprom", "Keep the EEPROM in this file from one run to the next.", "FILE", "");
-    add("rate", "So many times the usual number of lines of the port under view, 0 to 100.", "N",
+    add("rate", "So many times the usual number of lines of the port under view, 0 to 1000.", "N",
         "1");
     add("silence",
         "Seconds without a word from the tool after which it is taken to have gone; 0: "
         "never.",
         "SECONDS", "10");
+    add("handover",
+        "Seconds of silence of a channel's main input after which its reserve input takes over.",
+        "SECONDS", "3");
+    add("reboot", "Seconds of silence in which the router starts with a new firmware.", "SECONDS",
+        "3");
     add("fault",
         "A fault of the router or its cable. May be given several times; --list-faults "
         "shows them all.",
@@ -129,9 +136,11 @@ SimulatorOptions::Outcome SimulatorOptions::read(const QCommandLineParser &parse
     if (!readVersion(parser.value(tr("firmware")))
         || !readNumber(parser, tr("port"), portCount - 1, &m_port)
         || !readNumber(parser, tr("bank"), maxBank, &m_bank)
-        || !readNumber(parser, tr("rate"), maxRate, &m_rate)
+        || !readNumber(parser, tr("rate"), RouterSimulator::maxTrafficRate, &m_rate)
         || !readNumber(parser, tr("seed"), maxSeed, &m_seed)
-        || !readNumber(parser, tr("silence"), maxSilence, &m_silence)) {
+        || !readNumber(parser, tr("silence"), maxSilence, &m_silence)
+        || !readNumber(parser, tr("handover"), maxHandover, &m_handover)
+        || !readNumber(parser, tr("reboot"), maxReboot, &m_reboot)) {
         return Outcome::Error;
     }
     const QStringList faults = parser.values(tr("fault"));
@@ -155,7 +164,8 @@ bool SimulatorOptions::readFault(const QString &text)
     if (text.contains(QLatin1Char('='))) {
         bool ok = false;
         value = text.section(QLatin1Char('='), 1).toDouble(&ok);
-        if (!ok || !info.valueName || value < 0 || value > info.maximum) {
+        const bool isInRange = ok && value >= 0 && value <= info.maximum;
+        if (!isInRange || !info.valueName || (info.isWhole && value != std::floor(value))) {
             return fail(tr("a wrong value: --fault %1").arg(text));
         }
     }
@@ -202,6 +212,8 @@ void SimulatorOptions::applyTo(RouterSimulator *simulator) const
     simulator->setStartSpeed(m_speed);
     simulator->setReturnsToStartSpeed(!m_keepSpeed);
     simulator->setSilenceLimit(static_cast<int>(m_silence * millisecondsPerSecond));
+    simulator->setHandoverTime(static_cast<int>(m_handover * millisecondsPerSecond));
+    simulator->setRebootDuration(static_cast<int>(m_reboot * millisecondsPerSecond));
     simulator->setControlPort(static_cast<int>(m_port));
     simulator->setVersion(m_versionMajor, m_versionMinor);
     simulator->setMode(m_mode.toLatin1());

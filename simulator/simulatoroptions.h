@@ -53,6 +53,8 @@ private:
     double m_rate = 1;
     double m_seed = 1;
     double m_silence = 0;
+    double m_handover = 0;
+    double m_reboot = 0;
     bool m_keepSpeed = false;
     QString m_eepromFile;
     QList<QPair<Fault, double>> m_faults;

@@ -21,6 +21,8 @@ private slots:
     void refusesWrongValues_data();
     void refusesWrongValues();
     void missingFileIsReported();
+    void olderFileHasNoPassword();
+    void isItsOwnersAlone();
 
 private:
     QString path() const { return m_folder->filePath(QStringLiteral("eeprom.json")); }
@@ -54,7 +56,7 @@ void TestSimEepromFile::noFile()
     EepromFile file;
     QVERIFY(file.isNull());
     QVERIFY(!file.exists());
-    QVERIFY(file.save(RouterConfig::factory()));
+    QVERIFY(file.save({RouterConfig::factory(), {}}));
 }
 
 void TestSimEepromFile::keepsConfiguration()
@@ -69,28 +71,29 @@ void TestSimEepromFile::keepsConfiguration()
     config.filterList[31] = "ABC";
     config.filterList[0].clear();
 
-    QVERIFY(EepromFile(path()).save(config));
+    QVERIFY(EepromFile(path()).save({config, "Owner1"}));
     EepromFile file(path());
     QVERIFY(file.exists());
     const auto loaded = file.load();
     QVERIFY2(loaded.has_value(), qPrintable(file.errorString()));
-    QVERIFY(*loaded == config);
+    QVERIFY(loaded->config == config);
+    QCOMPARE(loaded->lockPassword, QByteArray("Owner1"));
     QVERIFY(file.errorString().isEmpty());
 }
 
 void TestSimEepromFile::replacesFile()
 {
     EepromFile file(path());
-    QVERIFY(file.save(RouterConfig::factory()));
-    QVERIFY(file.save(RouterConfig()));
-    QVERIFY(*file.load() == RouterConfig());
+    QVERIFY(file.save({RouterConfig::factory(), {}}));
+    QVERIFY(file.save({}));
+    QVERIFY(file.load()->config == RouterConfig());
     QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden).size(), 1);
 }
 
 void TestSimEepromFile::failedSaveIsReported()
 {
     EepromFile file(m_folder->filePath(QStringLiteral("missing/eeprom.json")));
-    QVERIFY(!file.save(RouterConfig()));
+    QVERIFY(!file.save({}));
     QVERIFY(file.errorString().contains(QLatin1String("missing/eeprom.json")));
 }
 
@@ -119,7 +122,7 @@ void TestSimEepromFile::refusesForeignFiles()
 
 void TestSimEepromFile::refusesTornFiles()
 {
-    QVERIFY(EepromFile(path()).save(RouterConfig::factory()));
+    QVERIFY(EepromFile(path()).save({RouterConfig::factory(), "Secret1"}));
     const QByteArray whole = read();
     constexpr int step = 997;
     // A cut that takes only white space behind the last brace loses nothing.
@@ -154,13 +157,17 @@ void TestSimEepromFile::refusesWrongValues_data()
     row("list name of two", "\"RMC\"", "\"RM\"");
     row("no such speed", "38400", "1200");
     row("one port less", "\"GYRO\",", "");
+    row("password with a blank", "\"Secret1\"", "\"Secret 1\"");
+    row("password of twenty-one", "\"Secret1\"", "\"Secret7890123456789012\"");
+    row("password beyond Latin-1", "\"Secret1\"", "\"Secret\\u03a9\"");
+    row("password as number", "\"Secret1\"", "1");
 }
 
 void TestSimEepromFile::refusesWrongValues()
 {
     QFETCH(QByteArray, before);
     QFETCH(QByteArray, after);
-    QVERIFY(EepromFile(path()).save(RouterConfig::factory()));
+    QVERIFY(EepromFile(path()).save({RouterConfig::factory(), "Secret1"}));
     QByteArray bytes = read();
     const int at = bytes.indexOf(before);
     QVERIFY(at >= 0);
@@ -176,6 +183,29 @@ void TestSimEepromFile::missingFileIsReported()
     QVERIFY(!file.exists());
     QVERIFY(!file.load().has_value());
     QVERIFY(file.errorString().contains(path()));
+}
+
+void TestSimEepromFile::olderFileHasNoPassword()
+{
+    QVERIFY(EepromFile(path()).save({RouterConfig::factory(), "Secret1"}));
+    QByteArray bytes = read();
+    QVERIFY(bytes.contains("\"lockPassword\": \"Secret1\""));
+    write(bytes.replace("\"lockPassword\": \"Secret1\",", ""));
+    const auto contents = EepromFile(path()).load();
+    QVERIFY(contents.has_value());
+    QVERIFY(contents->lockPassword.isEmpty());
+    QVERIFY(contents->config == RouterConfig::factory());
+}
+
+void TestSimEepromFile::isItsOwnersAlone()
+{
+    const auto others = QFileDevice::ReadGroup | QFileDevice::WriteGroup | QFileDevice::ReadOther
+        | QFileDevice::WriteOther;
+    write("old");
+    QVERIFY(
+        QFile::setPermissions(path(), others | QFileDevice::ReadOwner | QFileDevice::WriteOwner));
+    QVERIFY(EepromFile(path()).save({RouterConfig::factory(), "Secret1"}));
+    QVERIFY((QFile::permissions(path()) & others) == 0);
 }
 
 QTEST_APPLESS_MAIN(TestSimEepromFile)

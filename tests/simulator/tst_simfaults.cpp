@@ -42,6 +42,10 @@ private slots:
     void unplugged();
     void unpluggedIsUsedUp();
     void replug();
+    void inputSilent();
+    void inputSilentHandsOver();
+    void inputErrors();
+    void inputDamage();
     void clearedFaultsAreGone();
 
 private:
@@ -104,7 +108,7 @@ void TestSimFaults::connectTool()
 void TestSimFaults::tableIsComplete()
 {
     const auto &table = faultTable();
-    QCOMPARE(table.size(), int(Fault::Replug) + 1);
+    QCOMPARE(table.size(), int(Fault::FwErrorAt) + 1);
     QSet<QByteArray> names;
     for (int i = 0; i < table.size(); ++i) {
         const FaultInfo &info = table.at(i);
@@ -386,6 +390,104 @@ void TestSimFaults::replug()
     QCOMPARE(plugged.count(), 2);
     QVERIFY(m_tool->open(m_router->deviceName()));
     connectTool();
+}
+
+void TestSimFaults::inputSilent()
+{
+    m_router->setFault(Fault::InputSilent, 4);
+    m_router->setFault(Fault::InputSilent, 11);
+    QVERIFY(m_router->hasFault(Fault::InputSilent));
+    for (int port = 0; port < portCount; ++port) {
+        QCOMPARE(m_router->isInputSilent(port), port == 4 || port == 11);
+    }
+    m_router->setInputSilent(4, false);
+    QVERIFY(m_router->hasFault(Fault::InputSilent));
+    m_router->setInputSilent(11, false);
+    QVERIFY(!m_router->hasFault(Fault::InputSilent));
+
+    m_router->setInputSilent(7, true);
+    QVERIFY(m_router->hasFault(Fault::InputSilent));
+    m_router->clearFault(Fault::InputSilent);
+    QVERIFY(!m_router->isInputSilent(7));
+    for (const int port : {-1, 12, 15, 1000}) {
+        m_router->setInputSilent(port, true);
+        QVERIFY(!m_router->isInputSilent(port));
+    }
+    QVERIFY(!m_router->hasFault(Fault::InputSilent));
+}
+
+// The first channel of the first output takes the position of one receiver, or of the other.
+void TestSimFaults::inputSilentHandsOver()
+{
+    m_router->setTrafficRate(50);
+    m_router->setHandoverTime(0);
+    QCOMPARE(m_router->handoverTime(), 0);
+    connectTool();
+    QVERIFY(m_tool->write("$VRVVW,0\r\n"));
+    QTRY_VERIFY(m_tool->lines().size() > 10);
+    QVERIFY(m_tool->received().contains("$GP"));
+    QVERIFY(!m_tool->received().contains("$GN"));
+    QCOMPARE(m_router->activeInput(0, 0), 0);
+
+    m_router->setFault(Fault::InputSilent, 0);
+    QCOMPARE(m_router->activeInput(0, 0), 1);
+    QTRY_VERIFY(m_tool->received().contains("$GN"));
+    m_tool->clear();
+    QTRY_VERIFY(m_tool->lines().size() > 10);
+    QVERIFY(!m_tool->received().contains("$GP"));
+
+    m_router->clearFault(Fault::InputSilent);
+    QCOMPARE(m_router->activeInput(0, 0), 0);
+    QTRY_VERIFY(m_tool->received().contains("$GP"));
+
+    m_router->setHandoverTime(1000000);
+    m_router->setFault(Fault::InputSilent, 0);
+    QCOMPARE(m_router->activeInput(0, 0), 0);
+    QCOMPARE(m_router->activeInput(0, 11), 15);
+    QCOMPARE(m_router->activeInput(12, 0), 15);
+    QCOMPARE(m_router->activeInput(0, -1), 15);
+}
+
+void TestSimFaults::inputErrors()
+{
+    m_router->setTrafficRate(50);
+    m_router->setFault(Fault::InputErrors, 50);
+    connectTool();
+    const auto wrong = [&] {
+        const auto lines = m_tool->lines();
+        return std::count_if(lines.cbegin(), lines.cend(), [](const QByteArray &line) {
+            return line.contains('*') && parseHex(line.trimmed().right(2), 2) != checksumOf(line);
+        });
+    };
+    QVERIFY(m_tool->write("$VRVVW,240\r\n"));
+    QTRY_VERIFY(m_tool->lines().size() > 40);
+    QVERIFY(wrong() > 5 && wrong() < m_tool->lines().size() - 5);
+
+    // The autopilot's position is checked.
+    QVERIFY(m_tool->write("$VRVVW,0\r\n"));
+    QTRY_VERIFY(m_tool->received().contains("$VRVVW,0\r\n"));
+    m_tool->clear();
+    QTRY_VERIFY(m_tool->lines().size() > 40);
+    QCOMPARE(wrong(), 0);
+}
+
+void TestSimFaults::inputDamage()
+{
+    m_router->setTrafficRate(50);
+    m_router->setFault(Fault::InputDamage, 100);
+    connectTool();
+    QVERIFY(m_tool->write("$VRVVW,240\r\n"));
+    QTRY_VERIFY(m_tool->received().contains('\x15'));
+    QSignalSpy sent(m_router.get(), &RouterSimulator::lineSent);
+    QVERIFY(m_tool->write("$VRVVW,0\r\n"));
+    QTRY_COMPARE(m_router->view(), 0);
+    sent.clear();
+    QVERIFY(m_tool->write("$VRVER\r\n"));
+    // Nothing passes.
+    QTRY_VERIFY(m_tool->received().endsWith(withChecksum("$VRVER,3.5")));
+    QCOMPARE(sent.count(), 1);
+    m_router->clearFault(Fault::InputDamage);
+    QTRY_VERIFY(sent.count() > 3);
 }
 
 void TestSimFaults::clearedFaultsAreGone()

@@ -32,9 +32,12 @@ private slots:
     void isDocumented();
     void optionsReachTheRouter();
     void faultsReachTheRouter();
+    void handoverReachesTheRouter();
     void keepsItsEeprom();
     void reportsABrokenEeprom();
     void verbosePrintsSentences();
+    void verboseHidesPasswords();
+    void firmwareIsAnnounced();
     void quietPrintsOnlyNames();
     void pullsAndPutsBackTheCable();
 
@@ -55,10 +58,10 @@ private:
 namespace {
 
 constexpr int timeout = 10000;
-constexpr const char *allOptions[] = {"--name",        "--speed", "--port",    "--firmware",
-                                      "--mode",        "--bank",  "--eeprom",  "--rate",
-                                      "--silence",     "--fault", "--seed",    "--keep-speed",
-                                      "--list-faults", "--quiet", "--verbose", "--help"};
+constexpr const char *allOptions[] = {
+    "--name",        "--speed", "--port",    "--firmware", "--mode",    "--bank",
+    "--eeprom",      "--rate",  "--silence", "--fault",    "--seed",    "--keep-speed",
+    "--list-faults", "--quiet", "--verbose", "--help",     "--handover"};
 
 } // namespace
 
@@ -203,7 +206,12 @@ void TestSimProgram::wrongUse_data()
     row(QStringLiteral("--name a/b"), "a/b");
     row(QStringLiteral("--port 12"), "--port takes a number from 0 to 11");
     row(QStringLiteral("--port x"), "--port takes a number from 0 to 11");
-    row(QStringLiteral("--rate -1"), "--rate takes a number from 0 to 100");
+    row(QStringLiteral("--rate -1"), "--rate takes a number from 0 to 1000");
+    row(QStringLiteral("--rate 1001"), "--rate takes a number from 0 to 1000");
+    row(QStringLiteral("--reboot x"), "--reboot takes a number from 0 to 3600");
+    row(QStringLiteral("--fault fw-silent-at=1.5"), "a wrong value");
+    row(QStringLiteral("--fault fw-refuse=1"), "a wrong value");
+    row(QStringLiteral("--handover 3601"), "--handover takes a number from 0 to 3600");
     row(QStringLiteral("--firmware 3"), "not a firmware version: 3");
     row(QStringLiteral("--firmware 3.x"), "not a firmware version: 3.x");
     row(QStringLiteral("--firmware 3.256"), "not a firmware version: 3.256");
@@ -212,6 +220,8 @@ void TestSimProgram::wrongUse_data()
     row(QStringLiteral("--fault silent=3"), "a wrong value");
     row(QStringLiteral("--fault slow=x"), "a wrong value");
     row(QStringLiteral("--fault noise=101"), "a wrong value");
+    row(QStringLiteral("--fault input-silent=12"), "a wrong value");
+    row(QStringLiteral("--fault input-silent=1.5"), "a wrong value");
 }
 
 void TestSimProgram::wrongUse()
@@ -288,6 +298,21 @@ void TestSimProgram::faultsReachTheRouter()
     QVERIFY(clock.elapsed() >= 100);
 }
 
+void TestSimProgram::handoverReachesTheRouter()
+{
+    start({QStringLiteral("--fault"), QStringLiteral("input-silent=0"), QStringLiteral("--fault"),
+           QStringLiteral("input-silent=2"), QStringLiteral("--handover"), QStringLiteral("0"),
+           QStringLiteral("--rate"), QStringLiteral("20")});
+    connectTool();
+    // The first two channels of the first output: both main inputs are silent.
+    QVERIFY(m_tool->write("$VRVVW,0\r\n"));
+    QTRY_VERIFY(m_tool->received().contains("$GNRMC"));
+    QVERIFY(m_tool->write("$VRVVW,1\r\n"));
+    QTRY_VERIFY(m_tool->received().contains("$HCHDG"));
+    QVERIFY(!m_tool->received().contains("$GP"));
+    QVERIFY(!m_tool->received().contains("$HEHDT"));
+}
+
 void TestSimProgram::keepsItsEeprom()
 {
     const QString file = runtimeFile(QStringLiteral("eeprom.json"));
@@ -328,6 +353,56 @@ void TestSimProgram::verbosePrintsSentences()
     QVERIFY(m_output.contains("speed: 115200\n"));
     QVERIFY(m_tool->write("$\x80\t\r\n"));
     QTRY_VERIFY(m_output.contains("<- $\\x80\\x09\n"));
+}
+
+// Whatever is done with a password, right or wrong, set, seen or saved.
+void TestSimProgram::verboseHidesPasswords()
+{
+    const QString file = runtimeFile(QStringLiteral("eeprom.json"));
+    start({QStringLiteral("--verbose"), QStringLiteral("--eeprom"), file});
+    connectTool();
+    m_tool->clear();
+    const auto unlock = [](const char *password) {
+        return withChecksum(QByteArray("$VRPWU,") + password);
+    };
+    QVERIFY(m_tool->write(
+        withChecksum("$VRPWS,Sesame77") + "$VRLGO\r\n" + unlock("Wrong88") + unlock("Sesame77")
+        + unlock("simlevel5") + "$VRPWV\r\n" + withChecksum("$VRPWS,Second99") + "$VRPWV\r\n"
+        + "$VRPWU,Unchecked66\r\n" + withWrongChecksum("$VRPWU,Spoilt55") + "$VRSVR\r\n"));
+    QTRY_VERIFY_WITH_TIMEOUT(m_tool->received().endsWith("$VRSRO\r\n"), timeout);
+    QVERIFY(m_tool->received().contains(withChecksum("$VRPWV,Sesame77")));
+    QVERIFY(m_tool->received().contains(withChecksum("$VRPWV,Second99")));
+    m_tool->close();
+    stop();
+    QCOMPARE(m_output.count("<- $VRPWS,***\n"), 2);
+    QCOMPARE(m_output.count("<- $VRPWU,***\n"), 5);
+    QCOMPARE(m_output.count("-> $VRPWV,***\n"), 2);
+    QCOMPARE(m_output.count("-> " + withChecksum("$VRPWS,OK").trimmed() + '\n'), 2);
+    for (const char *secret : {"Sesame", "Wrong88", "Second", "simlevel", "Unchecked", "Spoilt"}) {
+        QVERIFY2(!m_output.contains(secret), secret);
+        QVERIFY2(!m_complaints.contains(secret), secret);
+    }
+}
+
+void TestSimProgram::firmwareIsAnnounced()
+{
+    start({QStringLiteral("--reboot"), QStringLiteral("0.1")});
+    connectTool();
+    m_tool->clear();
+    const QByteArray image = QByteArray("fwVR48abcdefgh\4\2S1", 18);
+    QVERIFY(m_tool->write("$VRFWS\r\n"));
+    QTRY_VERIFY(m_tool->received().endsWith("$VRFWR\r\n"));
+    QVERIFY(m_tool->write(withChecksum("$VRFWP,1," + image.toHex().toUpper()) + "$VRFWF\r\n"));
+    QTRY_VERIFY(m_tool->received().endsWith("$VRFWO\r\n"));
+    QTRY_VERIFY(m_output.contains("firmware: 18 bytes\n"));
+    QVERIFY(m_tool->write("$VRFWW\r\n"));
+    QTRY_VERIFY_WITH_TIMEOUT(m_output.endsWith("rebooting\ndisconnected\nversion: 4.2\n")
+                                 || m_output.endsWith("disconnected\nrebooting\nversion: 4.2\n"),
+                             timeout);
+    connectTool();
+    m_tool->clear();
+    QVERIFY(m_tool->write("$VRVER\r\n"));
+    QTRY_COMPARE(m_tool->received(), withChecksum("$VRVER,4.2"));
 }
 
 void TestSimProgram::quietPrintsOnlyNames()

@@ -46,6 +46,9 @@ private slots:
     void streamsPortUnderView();
     void viewStopsWithTheConnection();
     void busyMonitorLeavesRoomForAnswers();
+    void monitorFillsTheLine_data();
+    void monitorFillsTheLine();
+    void changesShowInTheMonitor();
 
     void transcriptTellsWhenAndWhat();
     void transcriptIsBounded();
@@ -360,6 +363,77 @@ void TestSimRouter::busyMonitorLeavesRoomForAnswers()
     QTRY_VERIFY(m_tool->received().contains(withChecksum("$VRVER,3.5")));
     // No more stood before it in the queue than the line carries in a fraction of a second.
     QVERIFY(m_tool->received().indexOf("$VRVER") < 4000);
+}
+
+void TestSimRouter::monitorFillsTheLine_data()
+{
+    QTest::addColumn<int>("view");
+    QTest::newRow("an input of few words") << 0xF6;
+    QTest::newRow("the most talkative input") << 0xF2;
+    QTest::newRow("a channel that lets one sentence a second through") << 0x02;
+    QTest::newRow("an output with all its channels") << 0xBF;
+}
+
+// Some second among the first few is full to the brim; none is ever fuller.
+void TestSimRouter::monitorFillsTheLine()
+{
+    QFETCH(int, view);
+    constexpr int bytesPerSecond = 11520;
+    constexpr int catchUp = bytesPerSecond / 20; // a late turn makes up for 50 ms
+    constexpr qint64 window = 1000000;
+    m_router->setTrafficRate(RouterSimulator::maxTrafficRate);
+    connectTool();
+    qint64 begin = 0;
+    int heard = 0;
+    double fullest = 0; // bytes a second
+    bool isTooFull = false;
+    connect(m_tool.get(), &TerminalClient::changed, this, [&] {
+        const qint64 passed = RouterSimulator::now() - begin;
+        if (passed < window) {
+            return;
+        }
+        const double seconds = static_cast<double>(passed) / window;
+        const int bytes = m_tool->received().size() - heard;
+        if (begin != 0) {
+            fullest = qMax(fullest, bytes / seconds);
+            isTooFull = isTooFull || bytes > bytesPerSecond * seconds + catchUp;
+        }
+        begin = RouterSimulator::now();
+        heard = m_tool->received().size();
+    });
+    QVERIFY(m_tool->write("$VRVVW," + QByteArray::number(view) + "\r\n"));
+    QTRY_VERIFY_WITH_TIMEOUT(fullest > 0.98 * bytesPerSecond, timeout);
+    QVERIFY(!isTooFull);
+}
+
+void TestSimRouter::changesShowInTheMonitor()
+{
+    m_router->setTrafficRate(50);
+    connectTool();
+    QVERIFY(m_tool->write("$VRVVW,63\r\n"));
+    QTRY_VERIFY(m_tool->received().contains("$WIMWV"));
+    QVERIFY(m_tool->received().contains("!AIVDM"));
+    // The second ECDIS' filters and a header, for the first.
+    Output output = m_router->working().outputs[3];
+    output.channels[5] = Channel();
+    output.channels[2].hdrEnabled = true;
+    output.channels[2].hdr = "AB";
+    RouterConfig config = m_router->working();
+    config.outputs[3] = output;
+    for (const QByteArray &body : configBodies(config)) {
+        if (body.startsWith("$VRRUL,3,") || body.startsWith("$VRHDC,3,")) {
+            QVERIFY(m_tool->write(withChecksum(body)));
+        }
+    }
+    QTRY_VERIFY(m_tool->received().contains("!ABVDM"));
+    m_tool->clear();
+    QTRY_VERIFY(m_tool->lines().size() > 200);
+    QVERIFY(!m_tool->received().contains("$WIMWV"));
+    QVERIFY(!m_tool->received().contains("!AIVDM"));
+    QVERIFY(m_tool->received().contains("!ABVDM"));
+    for (const QByteArray &line : m_tool->lines().mid(1)) {
+        QCOMPARE(parseHex(line.trimmed().right(2), 2).value(), quint32(checksumOf(line)));
+    }
 }
 
 void TestSimRouter::transcriptTellsWhenAndWhat()

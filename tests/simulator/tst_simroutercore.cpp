@@ -281,8 +281,9 @@ void TestSimRouterCore::unknownSentenceChangesNothing_data()
     QTest::addColumn<QByteArray>("line");
     QTest::newRow("unknown code") << QByteArray("$VRXYZ\r\n");
     QTest::newRow("no proprietary sentence") << QByteArray("$GPRMC,1,2,3\r\n");
-    QTest::newRow("firmware update") << QByteArray("$VRFWS\r\n");
-    QTest::newRow("password") << withChecksum("$VRPWU,secret");
+    QTest::newRow("firmware request with a checksum") << withChecksum("$VRFWS,1");
+    QTest::newRow("password without its checksum") << QByteArray("$VRPWU,secret\r\n");
+    QTest::newRow("AIS test with a checksum") << withChecksum("$VRATM,ON");
     QTest::newRow("answer of a router") << withChecksum("$VRCNU,0");
     QTest::newRow("bare form missing its LF") << QByteArray("$VRRLD\r");
     QTest::newRow("bare sentence with a field") << QByteArray("$VRRLD,1\r\n");
@@ -318,7 +319,8 @@ void TestSimRouterCore::downloadEndsWithItsMark()
 
 void TestSimRouterCore::statusIsReported()
 {
-    m_core->status() = {4, 12, "SERVICE2", 0x0A0B, 0xF, 1, true, 3, 0};
+    m_core->status() = {4, 12, "SERVICE2", 0x0A0B, 0xF, 1, 0, RouterStatus::defaultChipId()};
+    m_core->lock().set(true, 3, QByteArray());
     connectTool();
     hear("$VRVVW,191\r\n");
     hear("$VRRLD\r\n");
@@ -429,8 +431,7 @@ void TestSimRouterCore::lockedRouterRefusesToSave()
     QFETCH(bool, lockEnabled);
     QFETCH(int, lockLevel);
     QFETCH(QByteArray, answer);
-    m_core->status().lockEnabled = lockEnabled;
-    m_core->status().lockLevel = lockLevel;
+    m_core->lock().set(lockEnabled, lockLevel, QByteArray());
     connectTool();
     hearChecked("$VRSPD,11,57600");
     hear("$VRSVR\r\n");

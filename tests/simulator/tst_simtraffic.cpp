@@ -97,7 +97,25 @@ private slots:
     void viewOfReserve();
     void viewOfOutputMerges();
     void viewOfAbsurdCodes();
+    void viewOfChannelPassesItsOptions();
+    void viewOfOutputMergesWhatPasses();
+    void viewOfInputIsRaw();
+    void wrongChecksumsComeAtTheirRate_data();
+    void wrongChecksumsComeAtTheirRate();
+    void damageComesInAllKinds();
+    void damagedLinesReachNoChannel();
+    void hitsAreTheSameEachTime();
+    void silenceIsASpan();
+    void reserveTakesOver_data();
+    void reserveTakesOver();
+    void reserveWithoutMain_data();
+    void reserveWithoutMain();
+    void mainAndReserveAlike();
+    void handoverPassesTheOptions();
     void feedRunsOnlyWhileViewed();
+    void feedHoldsNoMoreThanItMay();
+    void feedForgetsWithTheView();
+    void feedBreaksLinesOff();
 };
 
 void TestSimTraffic::portsHaveCharacter_data()
@@ -403,24 +421,379 @@ void TestSimTraffic::viewOfAbsurdCodes()
     }
 }
 
+void TestSimTraffic::viewOfChannelPassesItsOptions()
+{
+    RouterConfig config;
+    config.filterList[9] = "RMC";
+    Channel &channel = config.outputs[4].channels[7];
+    channel.mainInput = 0;
+    channel.filterEnabled = true;
+    channel.filterMask = 1U << 9;
+    channel.hdrEnabled = true;
+    channel.hdr = "IN";
+    const auto lines = TrafficGenerator(start).viewTraffic(0x47, config, 0, minute);
+    QCOMPARE(lines.size(), 60);
+    for (const TrafficLine &line : lines) {
+        QVERIFY2(line.text.startsWith("$INRMC,"), line.text.constData());
+        QCOMPARE(parseHex(line.text.right(2), 2).value(), quint32(checksumOf(line.text)));
+    }
+}
+
+void TestSimTraffic::viewOfOutputMergesWhatPasses()
+{
+    RouterConfig config;
+    config.filterList[0] = "HDT";
+    auto &channels = config.outputs[11].channels;
+    channels[0].mainInput = 4;
+    channels[3].mainInput = 2;
+    channels[3].filterEnabled = true;
+    channels[3].filterMask = 1;
+    channels[3].filterType = FilterType::Black;
+    channels[11].mainInput = 2;
+    channels[11].hdrEnabled = true;
+    channels[11].hdr = "II";
+    TrafficGenerator generator(start);
+    QMap<QByteArray, int> counts;
+    const auto lines = generator.viewTraffic(0xBF, config, 0, minute);
+    for (const TrafficLine &line : lines) {
+        ++counts[line.text.left(6)];
+    }
+    const QMap<QByteArray, int> expected = {
+        {"$SDDBT", 60}, {"$SDDPT", 60}, {"$HEROT", 150}, {"$IIHDT", 300}, {"$IIROT", 150}};
+    // Each begins at its own time within its period.
+    QCOMPARE(counts.keys(), expected.keys());
+    for (auto it = expected.cbegin(); it != expected.cend(); ++it) {
+        QVERIFY2(std::abs(counts.value(it.key()) - it.value()) <= 1, it.key().constData());
+    }
+    for (int i = 1; i < lines.size(); ++i) {
+        QVERIFY(lines.at(i - 1).time <= lines.at(i).time);
+    }
+}
+
+// Whatever the channels make of it.
+void TestSimTraffic::viewOfInputIsRaw()
+{
+    TrafficGenerator generator(start);
+    InputConditions conditions;
+    conditions.wrongChecksums = 20;
+    conditions.damage = 20;
+    generator.setConditions(conditions);
+    QSet<int> flaws;
+    for (const TrafficLine &line : generator.viewTraffic(0xF0, RouterConfig(), 0, minute)) {
+        flaws.insert(static_cast<int>(line.flaw));
+    }
+    QCOMPARE(flaws.size(), 5);
+}
+
+void TestSimTraffic::wrongChecksumsComeAtTheirRate_data()
+{
+    QTest::addColumn<double>("percent");
+    for (const int percent : {0, 1, 10, 50, 100}) {
+        QTest::addRow("%d per cent", percent) << double(percent);
+    }
+}
+
+void TestSimTraffic::wrongChecksumsComeAtTheirRate()
+{
+    QFETCH(double, percent);
+    TrafficGenerator generator(start);
+    InputConditions conditions;
+    conditions.wrongChecksums = percent;
+    generator.setConditions(conditions);
+    RouterConfig config;
+    config.outputs[0].channels[0].mainInput = 0;
+    config.outputs[0].channels[1].mainInput = 0;
+    config.outputs[0].channels[1].crsEnabled = true;
+
+    int wrong = 0;
+    const auto raw = generator.inputTraffic(0, 0, 20 * minute);
+    for (const TrafficLine &line : raw) {
+        const bool matches = parseHex(line.text.right(2), 2) == checksumOf(line.text);
+        QCOMPARE(line.flaw == LineFlaw::WrongChecksum, !matches);
+        wrong += matches ? 0 : 1;
+    }
+    QCOMPARE(raw.size(), 6000);
+    const double expected = raw.size() * percent / 100;
+    QVERIFY2(std::fabs(wrong - expected) <= 0.2 * expected, qPrintable(QString::number(wrong)));
+    QCOMPARE(generator.viewTraffic(0x00, config, 0, 20 * minute).size(), raw.size());
+    QCOMPARE(generator.viewTraffic(0x01, config, 0, 20 * minute).size(), raw.size() - wrong);
+}
+
+void TestSimTraffic::damageComesInAllKinds()
+{
+    TrafficGenerator generator(start);
+    InputConditions conditions;
+    conditions.damage = 100;
+    generator.setConditions(conditions);
+    QMap<LineFlaw, int> counts;
+    for (const TrafficLine &line : generator.inputTraffic(3, 0, minute)) {
+        ++counts[line.flaw];
+        const bool isPrintable = std::all_of(line.text.cbegin(), line.text.cend(),
+                                             [](char c) { return c >= ' ' && c <= '~'; });
+        QCOMPARE(isPrintable, line.flaw != LineFlaw::Unprintable);
+        QCOMPARE(line.text.contains('*'), line.flaw != LineFlaw::Broken);
+        QCOMPARE(line.text.size() > maxNmeaLine, line.flaw == LineFlaw::Oversize);
+    }
+    QCOMPARE(counts.size(), 3);
+    for (const LineFlaw flaw : {LineFlaw::Unprintable, LineFlaw::Broken, LineFlaw::Oversize}) {
+        QVERIFY(counts.value(flaw) > 50);
+    }
+}
+
+void TestSimTraffic::damagedLinesReachNoChannel()
+{
+    TrafficGenerator generator(start);
+    InputConditions conditions;
+    conditions.damage = 30;
+    generator.setConditions(conditions);
+    RouterConfig config;
+    config.outputs[0].channels[0].mainInput = 0;
+    int whole = 0;
+    for (const TrafficLine &line : generator.inputTraffic(0, 0, minute)) {
+        whole += line.flaw == LineFlaw::None ? 1 : 0;
+    }
+    const auto passed = generator.viewTraffic(0x00, config, 0, minute);
+    QCOMPARE(passed.size(), whole);
+    QVERIFY(whole > 100 && whole < 290);
+    for (const TrafficLine &line : passed) {
+        QVERIFY(line.flaw == LineFlaw::None);
+    }
+}
+
+void TestSimTraffic::hitsAreTheSameEachTime()
+{
+    QByteArrayList heard;
+    for (const quint32 seed : {5U, 5U, 6U}) {
+        TrafficGenerator generator(start);
+        InputConditions conditions;
+        conditions.wrongChecksums = 50;
+        conditions.seed = seed;
+        generator.setConditions(conditions);
+        QByteArray all;
+        for (const TrafficLine &line : generator.inputTraffic(2, 0, minute)) {
+            all += line.text;
+        }
+        heard.append(all);
+    }
+    QCOMPARE(heard.at(0), heard.at(1));
+    QVERIFY(heard.at(1) != heard.at(2));
+}
+
+void TestSimTraffic::silenceIsASpan()
+{
+    TrafficGenerator generator(start);
+    InputConditions conditions;
+    conditions.silences[0] = {10000, 20000};
+    generator.setConditions(conditions);
+    int before = 0;
+    int after = 0;
+    for (const TrafficLine &line : generator.inputTraffic(0, 0, minute)) {
+        QVERIFY(line.time < 10000 || line.time >= 20000);
+        before += line.time < 10000 ? 1 : 0;
+        after += line.time >= 20000 ? 1 : 0;
+    }
+    QVERIFY(before > 40 && after > 190);
+    QVERIFY(!generator.inputTraffic(1, 10000, 20000).isEmpty());
+}
+
+void TestSimTraffic::reserveTakesOver_data()
+{
+    QTest::addColumn<qint64>("from");
+    QTest::addColumn<qint64>("until");
+    QTest::addColumn<int>("handover");
+    QTest::addColumn<qint64>("reserveFrom");
+    QTest::addColumn<qint64>("reserveUntil");
+    const auto row = [](const char *name, qint64 from, qint64 until, int handover,
+                        qint64 reserveFrom, qint64 reserveUntil) {
+        QTest::newRow(name) << from << until << handover << reserveFrom << reserveUntil;
+    };
+    row("and gives back", 10000, 20000, 3000, 13000, 20000);
+    row("for good", 10000, InputSilence::never, 3000, 13000, minute + 1);
+    row("at once", 10000, 20000, 0, 10000, 20000);
+    row("from the start", 0, 20000, 0, 0, 20000);
+    row("not in a short silence", 10000, 12999, 3000, minute + 1, minute + 1);
+    row("for a moment", 10000, 14000, 3000, 13000, 14000);
+}
+
+void TestSimTraffic::reserveTakesOver()
+{
+    QFETCH(qint64, from);
+    QFETCH(qint64, until);
+    QFETCH(int, handover);
+    QFETCH(qint64, reserveFrom);
+    QFETCH(qint64, reserveUntil);
+    RouterConfig config;
+    Channel &channel = config.outputs[4].channels[7];
+    channel.mainInput = 0;
+    channel.reserveInput = 1;
+    TrafficGenerator generator(start);
+    InputConditions conditions;
+    conditions.silences[0] = {from, until};
+    conditions.handover = handover;
+    generator.setConditions(conditions);
+
+    // However the time is cut, the same lines come.
+    QVector<TrafficLine> lines;
+    for (qint64 time = 0; time < minute; time += 50) {
+        lines += generator.viewTraffic(0x47, config, time, time + 50);
+    }
+    QCOMPARE(lines.size(), generator.viewTraffic(0x47, config, 0, minute).size());
+    int reserve = 0;
+    for (int i = 0; i < lines.size(); ++i) {
+        const qint64 time = lines.at(i).time;
+        const bool isReserve = lines.at(i).text.startsWith("$GN");
+        QVERIFY(isReserve || lines.at(i).text.startsWith("$GP"));
+        QCOMPARE(isReserve, time >= reserveFrom && time < reserveUntil);
+        QVERIFY(isReserve || time < from || time >= until);
+        reserve += isReserve ? 1 : 0;
+        QVERIFY(i == 0 || lines.at(i - 1).time <= time);
+    }
+    const auto span = static_cast<double>(qMin(reserveUntil, minute) - qMin(reserveFrom, minute));
+    QVERIFY(std::fabs(reserve - span / 200) <= 5);
+    QCOMPARE(generator.activeInput(channel, reserveFrom), reserveFrom < minute ? 1 : 0);
+    QCOMPARE(generator.activeInput(channel, reserveFrom - 1), 0);
+}
+
+void TestSimTraffic::reserveWithoutMain_data()
+{
+    QTest::addColumn<int>("mainInput");
+    QTest::addColumn<int>("reserveInput");
+    QTest::addColumn<int>("active");
+    QTest::newRow("neither") << int(noPort) << int(noPort) << int(noPort);
+    QTest::newRow("no reserve") << 0 << int(noPort) << 0;
+    QTest::newRow("no main") << int(noPort) << 1 << 1;
+    QTest::newRow("nothing wired to the main input") << 11 << 1 << 1;
+    QTest::newRow("nothing wired to the reserve") << 0 << 11 << 0;
+}
+
+void TestSimTraffic::reserveWithoutMain()
+{
+    QFETCH(int, mainInput);
+    QFETCH(int, reserveInput);
+    QFETCH(int, active);
+    RouterConfig config;
+    Channel &channel = config.outputs[4].channels[7];
+    channel.mainInput = static_cast<quint8>(mainInput);
+    channel.reserveInput = static_cast<quint8>(reserveInput);
+    TrafficGenerator generator(start);
+    QCOMPARE(generator.activeInput(channel, 0), active);
+    QCOMPARE(generator.viewTraffic(0x47, config, 0, minute).size(),
+             generator.inputTraffic(active, 0, minute).size());
+}
+
+void TestSimTraffic::mainAndReserveAlike()
+{
+    RouterConfig config;
+    config.outputs[4].channels[7].mainInput = 0;
+    config.outputs[4].channels[7].reserveInput = 0;
+    TrafficGenerator generator(start);
+    InputConditions conditions;
+    conditions.silences[0] = {10000, 20000};
+    generator.setConditions(conditions);
+    QCOMPARE(generator.viewTraffic(0x47, config, 0, minute).size(),
+             generator.inputTraffic(0, 0, minute).size());
+}
+
+void TestSimTraffic::handoverPassesTheOptions()
+{
+    RouterConfig config;
+    config.filterList[0] = "ZDA";
+    Channel &channel = config.outputs[4].channels[7];
+    channel.mainInput = 0;
+    channel.reserveInput = 1;
+    channel.filterEnabled = true;
+    channel.filterMask = 1;
+    channel.hdrEnabled = true;
+    channel.hdr = "IN";
+    TrafficGenerator generator(start);
+    InputConditions conditions;
+    conditions.silences[0] = {0, InputSilence::never};
+    conditions.handover = 0;
+    generator.setConditions(conditions);
+    const auto lines = generator.viewTraffic(0x47, config, 0, minute);
+    QCOMPARE(lines.size(), 60);
+    for (const TrafficLine &line : lines) {
+        QVERIFY(line.text.startsWith("$INZDA,"));
+    }
+}
+
 void TestSimTraffic::feedRunsOnlyWhileViewed()
 {
     const RouterConfig config = RouterConfig::factory();
-    MonitorFeed feed(&config);
-    QSignalSpy lines(&feed, &MonitorFeed::lineDue);
+    const RouterClock clock;
+    MonitorFeed feed(&clock, &config);
     const auto *timer = feed.findChild<QTimer *>();
     QVERIFY(!timer->isActive());
     feed.setView(0xF2);
     QVERIFY(timer->isActive());
-    QTRY_VERIFY(lines.count() > 3);
-    QVERIFY(lines.constFirst().constFirst().toByteArray().startsWith("$HE"));
-    QVERIFY(lines.constFirst().constFirst().toByteArray().endsWith("\r\n"));
+    QTRY_VERIFY(feed.hasLine());
+    const QByteArray line = feed.takeLine();
+    QVERIFY(line.startsWith("$HE"));
+    QVERIFY(line.endsWith("\r\n"));
     feed.setRate(0);
     QVERIFY(!timer->isActive());
     feed.setRate(1);
     QVERIFY(timer->isActive());
     feed.setView(viewNothing);
     QVERIFY(!timer->isActive());
+}
+
+void TestSimTraffic::feedHoldsNoMoreThanItMay()
+{
+    const RouterConfig config = RouterConfig::factory();
+    RouterClock clock;
+    MonitorFeed feed(&clock, &config);
+    QSignalSpy waiting(&feed, &MonitorFeed::linesWaiting);
+    feed.setRate(1000);
+    feed.setView(0xBF);
+    clock.skip(MonitorFeed::longestGap);
+    QTRY_VERIFY(waiting.count() > 2);
+    int bytes = 0;
+    while (feed.hasLine()) {
+        bytes += feed.takeLine().size();
+    }
+    QVERIFY2(bytes <= MonitorFeed::maxWaiting && bytes > MonitorFeed::maxWaiting - 2 * maxNmeaLine,
+             qPrintable(QString::number(bytes)));
+    // What was taken makes room.
+    QTRY_VERIFY(feed.hasLine());
+}
+
+void TestSimTraffic::feedForgetsWithTheView()
+{
+    const RouterConfig config = RouterConfig::factory();
+    RouterClock clock;
+    MonitorFeed feed(&clock, &config);
+    feed.setView(0xF0);
+    clock.skip(MonitorFeed::longestGap);
+    QTRY_VERIFY(feed.hasLine());
+    feed.setView(0xF2);
+    QVERIFY(!feed.hasLine());
+    clock.skip(MonitorFeed::longestGap);
+    QTRY_VERIFY(feed.hasLine());
+    QVERIFY(feed.takeLine().startsWith("$HE"));
+}
+
+void TestSimTraffic::feedBreaksLinesOff()
+{
+    const RouterConfig config = RouterConfig::factory();
+    RouterClock clock;
+    MonitorFeed feed(&clock, &config);
+    InputConditions conditions;
+    conditions.damage = 100;
+    feed.setConditions(conditions);
+    feed.setView(0xF0);
+    feed.setRate(100);
+    bool isBroken = false;
+    bool isWhole = false;
+    const auto look = [&] {
+        while (feed.hasLine()) {
+            const QByteArray line = feed.takeLine();
+            isBroken = isBroken || !line.endsWith("\r\n");
+            isWhole = isWhole || line.endsWith("\r\n");
+        }
+        return isBroken && isWhole;
+    };
+    QTRY_VERIFY(look());
 }
 
 QTEST_GUILESS_MAIN(TestSimTraffic)
