@@ -18,6 +18,7 @@ constexpr int designWidth = 853;
 constexpr int designHeight = 627;
 constexpr int defaultSpeedIndex = 1;
 constexpr int portFontSize = 8;
+constexpr int firmwareLimit = 6000;  // ms without any progress that end a firmware update
 constexpr int monitorInterval = 200; // ms; the screen follows the line five times a second at most
 
 const QString titleStart = QStringLiteral("Brelland Sea Works - TK-7 v");
@@ -26,10 +27,11 @@ const QString applicationVersion = QStringLiteral("4.0");
 } // namespace
 
 MainWindow::MainWindow(QWidget *parent)
-    : QMainWindow(parent), string_timer(new QTimer(this)), ui(std::make_unique<Ui::MainWindow>()),
-      status_widget(new statusWidget)
+    : QMainWindow(parent), firmware_timer(new QTimer(this)), string_timer(new QTimer(this)),
+      ui(std::make_unique<Ui::MainWindow>()), status_widget(new statusWidget)
 {
     string_timer->setInterval(monitorInterval);
+    firmware_timer->setInterval(firmwareLimit);
 
     ui->setupUi(this);
     resize(designWidth, designHeight);
@@ -71,7 +73,7 @@ MainWindow::~MainWindow()
 
 void MainWindow::findRows()
 {
-    const auto named = [this](const char *pattern, int number) {
+    const auto named = [](const char *pattern, int number) {
         return QString::fromLatin1(pattern).arg(number);
     };
     for (int i = 0; i < ChannelCount; ++i) {
@@ -125,6 +127,7 @@ void MainWindow::connectWidgets()
         connect(row.smart, &QPushButton::clicked, this, &MainWindow::slotSmartClicked);
         connect(row.filter_set, &QPushButton::clicked, this, &MainWindow::slotFilterSetClicked);
     }
+    connect(ui->pushButton_Service, &QPushButton::clicked, this, &MainWindow::slotServiceClicked);
     connect(status_widget->pushButton_play, &QPushButton::clicked, this, &MainWindow::slotPlayNMEA);
     connect(status_widget->pushButton_view_small, &QPushButton::clicked, this,
             &MainWindow::slotButSmallStatus);
@@ -137,6 +140,7 @@ void MainWindow::connectWidgets()
     connect(ui->pushButton_return_input, &QPushButton::clicked, this,
             &MainWindow::slotReturnInputPorts);
     connect(string_timer, &QTimer::timeout, this, &MainWindow::slotStringTimer);
+    connect(status_widget->label_lock, &QClickLabel::clicked, this, &MainWindow::slotLockClicked);
 }
 
 void MainWindow::setTexts()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/routermodel.h"
+#include "model/routerversion.h"
 
 #include <QMainWindow>
 #include <QMessageBox>
@@ -23,13 +24,16 @@ class QTimer;
 QT_END_NAMESPACE
 
 class DragFrame;
+class EnterPasswordDlg;
 class FilterDlg;
 class NmeaSerialPort;
 class QMComboBox;
 class QMLineEdit;
 class QMPushButton;
+class servicedlg;
 class statusWidget;
 class WaitSaveDlg;
+enum class FirmwarePacket;
 
 namespace Ui {
 class MainWindow;
@@ -88,6 +92,26 @@ public slots:
     void slotSaveToEeprom();
     void slotVRSaveToEepromOk();
     void slotVRSaveToEepromError();
+
+    // Service
+    void slotServiceClicked();
+    void slotRequestStatusErrors(uint port);
+    void slotClearStatusErrors();
+    void slotSendLockPassword(QString password);
+    void slotSendUnlockPassword(QString password);
+    void slotSendRemovePassword();
+    void slotVRViewPassword();
+    void slotSendMode(QString mode);
+    void slotLockClicked();
+
+    // Firmware
+    void slotStartFirmwareUpdate();
+    void slotCancelFirmwareUpdate();
+    void slotReadyFirmwareUpdate();
+    void slotFirmwareError(uint code);
+    void slotFirmwareOk();
+    void slotFirmwarePacket(uint packet_number);
+    void slotFirmwareTimeout();
 
     // Rule files
     void slotSaveToFile();
@@ -214,6 +238,22 @@ private:
                                             QMessageBox::Icon icon,
                                             QMessageBox::StandardButtons buttons = QMessageBox::Ok);
 
+    // Service
+    RouterVersion routerVersion() const;
+    void wireServiceDialog();
+    void closeServiceDialog();
+    void runAisTest();
+    /*! Queues \a sentence also while the connection is coming up or going down. */
+    void queueSentence(const QString &sentence);
+
+    // Firmware
+    void makeFirmwareProgress();
+    void wireFirmwareUpdate();
+    FirmwarePacket sendFirmwarePacket();
+    void showFirmwareProgress();
+    static QString firmwareErrorText(qint64 code);
+    void endFirmwareUpdate(const QString &text);
+
     // Rule files
     void showSaveFileError(QFile &file, const QString &fileName);
     void showLoadFileError(QFile &file, const QString &fileName);
@@ -279,6 +319,15 @@ private:
     WaitSaveDlg *wait_save_dialog = nullptr;    //!< while the router saves its rules
     QPointer<QMessageBox>
         message_box; //!< the open box; one that comes while it is open is its child
+
+    QPointer<servicedlg> service_dialog;        //!< while it is open
+    QPointer<EnterPasswordDlg> password_dialog; //!< the window's own, while it is open
+
+    QByteArray firmware_buffer;                   //!< the whole file, while an update may need it
+    QTimer *firmware_timer = nullptr;             //!< watches an update
+    QProgressDialog *firmware_progress = nullptr; //!< while an update is under way
+    quint32 firmware_packet = 0;                  //!< the packet last sent; 0 before the first
+    quint32 late_packet = 0; //!< the last packet of an update that was broken off, 0 once answered
 
     bool connected = false;
     bool version_known = false;

@@ -2,6 +2,7 @@
 #include "mainwindow/mainwindow.h"
 #include "mainwindow/statuswidget.h"
 #include "model/commands.h"
+#include "service/enterpassworddlg.h"
 #include "service/waitsavedlg.h"
 #include "ui_mainwindow.h"
 
@@ -208,9 +209,12 @@ void MainWindow::slotTimeOutConnectPort()
 {
     closeProgressDialog();
     closeWaitSaveDialog();
+    closeServiceDialog();
+    slotCancelFirmwareUpdate();
     resetConnectionView();
     ui->pushButton_connect->setEnabled(true);
     delete message_box;
+    delete password_dialog;
     showMessage(tr("COM Port"), tr("Connection timeout"), QMessageBox::Warning);
     leaveConnection();
     crs_errors = 0;

@@ -1,6 +1,5 @@
 #include "link/nmeaserialport.h"
 #include "mainwindow/mainwindow.h"
-#include "mainwindow/statuswidget.h"
 #include "model/commands.h"
 #include "ui_mainwindow.h"
 
@@ -44,13 +43,6 @@ void MainWindow::slotUsedFlashBank(uint uFlash)
         ui->label_vr48_flash_page->setText(QStringLiteral("<"));
     else if (uFlash == 1)
         ui->label_vr48_flash_page->setText(QStringLiteral(">"));
-}
-
-void MainWindow::slotVRLockStatus(bool password, quint8 level)
-{
-    lock_enabled = password;
-    lock_level = level;
-    status_widget->setLockLabel(lock_enabled, lock_level == 0);
 }
 
 void MainWindow::askDisconnect()

@@ -29,8 +29,8 @@ void MainWindow::slotSaveToFile()
     if (QFileInfo(fileName).suffix() != ruleFileSuffix)
         return;
 
-    // A full disk can show as late as here, when the file's buffer is emptied.
-    const bool isWritten = RuleFile::write(file, model) && file.flush();
+    const bool isWritten = RuleFile::write(file, model);
+    // The file's buffer takes it all: a full disk shows no sooner than here.
     file.close();
     if (!isWritten || file.error() != QFileDevice::NoError)
         showSaveFileError(file, fileName);

@@ -20,7 +20,7 @@ uchar byteAt(const QByteArray &image, int offset)
 // Only 0 to 9 give a digit; other numbers give the character that follows so far behind the '0'.
 QChar digit(const QByteArray &image, int offset)
 {
-    return QLatin1Char(char('0' + byteAt(image, offset)));
+    return QChar(ushort(ushort('0') + byteAt(image, offset)));
 }
 
 QChar character(const QByteArray &image, int offset)
@@ -48,8 +48,8 @@ QString describe(const QByteArray &image)
     text += digit(image, MinorOffset);
     if (byteAt(image, ModeOffset) == 0)
         return text;
-    text += QCoreApplication::translate("FirmwareImage", " mode %1")
-                .arg(character(image, ModeOffset));
+    text +=
+        QCoreApplication::translate("FirmwareImage", " mode %1").arg(character(image, ModeOffset));
     if (byteAt(image, SecondModeOffset) != 0)
         text += character(image, SecondModeOffset);
     return text;

@@ -6,8 +6,7 @@
 #include <QLabel>
 
 WaitSaveDlg::WaitSaveDlg(QWidget *parent)
-    : QDialog(parent, Qt::ToolTip)
-    , ui(std::make_unique<Ui::WaitSaveDlg>())
+    : QDialog(parent, Qt::ToolTip), ui(std::make_unique<Ui::WaitSaveDlg>())
 {
     ui->setupUi(this);
     const double factor = ui_scale();

@@ -24,10 +24,17 @@ void scaleWidget(QWidget *widget, float factor)
 
 void fitText(QLabel *label)
 {
+    fitText(label, label->minimumWidth());
+}
+
+void fitText(QLabel *label, int width)
+{
     constexpr qreal smallestFont = 6;
     constexpr qreal step = 0.25;
+    // Not its size hint, which is never less than the minimum width.
+    const auto textWidth = [label] { return label->fontMetrics().size(0, label->text()).width(); };
     QFont font = label->font();
-    while (label->sizeHint().width() > label->minimumWidth() && font.pointSizeF() > smallestFont) {
+    while (textWidth() > width && font.pointSizeF() > smallestFont) {
         font.setPointSizeF(font.pointSizeF() - step);
         label->setFont(font);
     }

@@ -27,6 +27,9 @@ void scaleWidget(QWidget *widget, float factor);
  */
 void fitText(QLabel *label);
 
+/*! The same for a label whose text must not take more than \a width pixels. */
+void fitText(QLabel *label, int width);
+
 /*!
  * Runs scaleWidget() for all descendants of \a window of the given types, type by type. The popups of
  * its combo boxes are windows of their own and size themselves.

@@ -1,6 +1,7 @@
 #include "model/commands.h"
 #include "model/routermodel.h"
 #include "model/sentencebuilders.h"
+#include "model/servicesentences.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -94,6 +95,20 @@ const Grammar grammars[] = {
     {ToRouter, Form::Plain, "$VRVVW", "\\d{1,3}"},
     {ToRouter, Form::Bare, "$VRWBL", ""},
     {ToRouter, Form::Bare, "$VRSVR", ""},
+    {ToRouter, Form::Bare, "$VRSER", ""},
+    {ToRouter, Form::Checked, "$VRSTA", TK7_PORT},
+    {ToRouter, Form::Bare, "$VRSTC", ""},
+    {ToRouter, Form::Plain, "$VRATM", "(ON|OFF)"},
+    {ToRouter, Form::Bare, "$VRFWS", ""},
+    {ToRouter, Form::Checked, "$VRFWP", "[1-9]\\d{0,4},([0-9A-F]{2}){1,32}"},
+    {ToRouter, Form::Bare, "$VRFWF", ""},
+    {ToRouter, Form::Bare, "$VRFWW", ""},
+    {ToRouter, Form::Checked, "$VRPWS", "[0-9A-Za-z]{1,20}"},
+    {ToRouter, Form::Checked, "$VRPWU", "[0-9A-Za-z]{1,20}"},
+    {ToRouter, Form::Bare, "$VRPWD", ""},
+    {ToRouter, Form::Bare, "$VRPWV", ""},
+    {ToRouter, Form::Bare, "$VRLGO", ""},
+    {ToRouter, Form::Checked, "$VRMOD", "[0-9A-Za-z]{1,8}"},
 
     {FromRouter, Form::Checked, "$VRCNU", TK7_PORT},
     {FromRouter, Form::Bare, "$VRCNB", ""},
@@ -187,6 +202,16 @@ RouterModel exampleRouter()
     model.input_ports[0].input_name = "GPS bow";
     model.input_ports[3].input_name = "Gyro";
     return model;
+}
+
+/*! A packet of a firmware file of 35 bytes, version 3.6, without a mode. */
+QString firmwarePacket(quint32 number)
+{
+    const QByteArray image =
+        QByteArray("fwVR48\1\2\3\4\5\6\7\10\3\6\0\0\12\377", 20) + QByteArray(12, 'Z') + "end";
+    QString sentence;
+    MakeFirmwarePacket(image, number, sentence);
+    return sentence;
 }
 
 } // namespace
@@ -287,6 +312,22 @@ void TestProtocol::toolBuildsTheOutboundExamples()
         MakeViewSentence(5, 2),
         Commands::EndOfBatch,
         Commands::SaveToEeprom,
+        Commands::ChipIdentifier,
+        MakeStatusSentence(3),
+        Commands::ClearStatistics,
+        Commands::AisTestOn,
+        Commands::AisTestOff,
+        Commands::FirmwareStart,
+        firmwarePacket(1),
+        firmwarePacket(2),
+        Commands::FirmwareFinish,
+        Commands::FirmwareUse,
+        MakeSetPasswordSentence("Harbour7"),
+        MakeUnlockSentence("Harbour7"),
+        Commands::RemovePassword,
+        Commands::ViewPassword,
+        Commands::Lock,
+        MakeModeSentence("STD2"),
     };
 
     // The link itself makes these two.

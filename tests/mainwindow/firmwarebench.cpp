@@ -1,0 +1,137 @@
+#include "firmwarebench.h"
+
+#include "support/checkedline.h"
+
+#include <QFile>
+#include <QPushButton>
+
+#include <random>
+
+namespace {
+
+constexpr int packetBytes = 32;
+constexpr int headerBytes = 18;
+
+} // namespace
+
+QByteArray firmwareImage(int size, quint32 seed)
+{
+    QByteArray image = QByteArray("fwVR48\x01\x02\x03\x04\x05\x06\x07\x08\x03\x06", 16);
+    image.append(headerBytes - image.size(), '\0');
+    std::mt19937 random(seed);
+    while (image.size() < size)
+        image.append(char(random() & 0xff));
+    image.truncate(size);
+    return image;
+}
+
+QByteArray packetSentence(const QByteArray &image, int number)
+{
+    const QByteArray data = image.mid((number - 1) * packetBytes, packetBytes);
+    return checkedLine("$VRFWP," + QByteArray::number(number) + ',' + data.toHex().toUpper());
+}
+
+int packetNumber(const QByteArray &sentence)
+{
+    static const QByteArray head = "$VRFWP,";
+    if (!sentence.startsWith(head))
+        return 0;
+    return sentence.mid(head.size(), sentence.indexOf(',', head.size()) - head.size()).toInt();
+}
+
+FirmwareBench::FirmwareBench(const QByteArray &version) : ScriptedBench(version) { }
+
+void FirmwareBench::takeFirmware(int last)
+{
+    taken.clear();
+    isFinished = false;
+    onLine = [this, last](const QByteArray &sentence) {
+        const int number = packetNumber(sentence);
+        if (sentence == "$VRFWS\r\n") {
+            sayBare("$VRFWR");
+        } else if (number > 0 && (last < 0 || number <= last)) {
+            const int data = sentence.lastIndexOf(',') + 1;
+            taken += QByteArray::fromHex(sentence.mid(data, sentence.indexOf('*') - data));
+            say("$VRFWP," + QByteArray::number(number));
+        } else if (sentence == "$VRFWF\r\n" && last < 0) {
+            isFinished = true;
+            sayBare("$VRFWO");
+        }
+    };
+}
+
+QString FirmwareBench::writeFile(const QByteArray &content, const QString &name)
+{
+    const QString path = folder.filePath(name);
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("can't write %s", qPrintable(path));
+    return path;
+}
+
+FileDialogAnswer::Dialog FirmwareBench::chooser(const QString &fileName)
+{
+    FileDialogAnswer::Dialog dialog;
+    dialog.caption = QStringLiteral("Select firmware file");
+    dialog.filters = QStringList{QStringLiteral("*.efw")};
+    dialog.fileName = fileName;
+    return dialog;
+}
+
+BoxAnswer::Box FirmwareBench::question(const QString &version, QMessageBox::StandardButton click)
+{
+    return {QStringLiteral("Load Firmware"),
+            QStringLiteral("Are you sure want to install the firmware version ") + version
+                + QStringLiteral(" ?"),
+            QMessageBox::Question, QMessageBox::Yes | QMessageBox::No, click};
+}
+
+BoxAnswer::Box FirmwareBench::failure(const QString &text)
+{
+    return {QStringLiteral("Firmware update"), text, QMessageBox::Critical};
+}
+
+BoxAnswer::Box FirmwareBench::success(const std::function<void()> &whileOpen)
+{
+    const auto close = [this, whileOpen](QMessageBox &box) {
+        QTRY_VERIFY(firmwareHeard().endsWith("$VRFWW\r\n"));
+        if (whileOpen)
+            whileOpen();
+        box.accept();
+    };
+    return {QStringLiteral("Firmware update"),
+            QStringLiteral("The firmware has been successfully loaded, the router will reboot. "
+                           "Please reconnect to the router."),
+            QMessageBox::Information,
+            QMessageBox::Ok,
+            QMessageBox::NoButton,
+            close};
+}
+
+bool FirmwareBench::startUpdate(const QByteArray &image)
+{
+    files->expect(chooser(writeFile(image)));
+    boxes.expect(question(QStringLiteral("3.6"), QMessageBox::Yes));
+    bool isClosed = false;
+    const bool hasCome = inService([&](servicedlg &dialog) {
+        dialog.findChild<QPushButton *>(QStringLiteral("pushButton_Fw_Update"))->click();
+        isClosed = !dialog.isVisible();
+    });
+    return hasCome && isClosed;
+}
+
+void FirmwareBench::pressCancel()
+{
+    progress()->findChild<QPushButton *>()->click();
+}
+
+QList<QByteArray> FirmwareBench::firmwareHeard() const
+{
+    QList<QByteArray> sentences;
+    const QList<QByteArray> all = heard();
+    for (const QByteArray &sentence : all) {
+        if (sentence.startsWith("$VRFW"))
+            sentences += sentence;
+    }
+    return sentences;
+}

@@ -1,0 +1,123 @@
+#include "scriptedbench.h"
+
+#include "link/nmeaserialport.h"
+#include "platform/keyboard.h"
+#include "support/checkedline.h"
+#include "windowbench.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QPointer>
+#include <QPushButton>
+
+namespace {
+
+constexpr int longestWait = 10000; // ms
+
+} // namespace
+
+ScriptedBench::ScriptedBench(const QByteArray &version) : m_version(version)
+{
+    if (!line.isValid())
+        qFatal("no pseudo-terminal");
+    QObject::connect(&line, &PtyPair::lineReceived, &line, [this](const QByteArray &sentence) {
+        answer(sentence);
+        if (onLine)
+            onLine(sentence);
+    });
+    platform::setLeftControlSource([this] { return leftControl; });
+    auto *ports = find<QComboBox>(QStringLiteral("comboBox_connect_port"));
+    ports->addItem(line.slavePath());
+    ports->setCurrentText(line.slavePath());
+    find<QPushButton>(QStringLiteral("pushButton_connect"))->setEnabled(true);
+    window.show();
+}
+
+ScriptedBench::~ScriptedBench()
+{
+    platform::setLeftControlSource({});
+}
+
+void ScriptedBench::answer(const QByteArray &sentence)
+{
+    if (sentence == "$VRCNT\r\n")
+        say("$VRCNU,3");
+    else if (sentence == "$VRCNC\r\n")
+        say("$VRERR,0000,00");
+    else if (sentence == "$VRRLD\r\n")
+        sayBare("$VRWBL");
+    else if (sentence == "$VRVER\r\n" && !m_version.isEmpty())
+        say("$VRVER," + m_version);
+}
+
+bool ScriptedBench::connectToRouter()
+{
+    const int before = boxes.answered();
+    forgetHeard();
+    boxes.expect(WindowBench::downloadBox());
+    find<QPushButton>(QStringLiteral("pushButton_connect"))->click();
+    const bool isDownloaded =
+        QTest::qWaitFor([&] { return boxes.answered() > before; }, longestWait);
+    const auto *label = find<QLabel>(QStringLiteral("label_firmware_version"));
+    const auto isAsked = [this] { return heard().contains("$VRVER\r\n"); };
+    const auto isTold = [this, label] { return m_version.isEmpty() || !label->text().isEmpty(); };
+    const bool hasVersion = QTest::qWaitFor([&] { return isAsked() && isTold(); }, longestWait);
+    waitUntilHeard();
+    forgetHeard();
+    return isDownloaded && hasVersion && window.isConnected();
+}
+
+void ScriptedBench::say(const QByteArray &body)
+{
+    line.write(checkedLine(body));
+}
+
+void ScriptedBench::sayBare(const QByteArray &head)
+{
+    line.write(head + "\r\n");
+}
+
+void ScriptedBench::waitUntilHeard()
+{
+    const QString mark = QString::number(++m_marks);
+    say("$VRMOD," + mark.toLatin1());
+    const auto *label = find<QLabel>(QStringLiteral("label_firmware_mode"));
+    if (!QTest::qWaitFor([&] { return label->text() == QStringLiteral("mode: ") + mark; },
+                         longestWait)) {
+        QTest::qFail("the tool doesn't hear the router", __FILE__, __LINE__);
+    }
+}
+
+QList<QByteArray> ScriptedBench::heard() const
+{
+    QList<QByteArray> sentences;
+    for (int i = m_forgotten; i < line.lines().size(); ++i) {
+        if (line.lines().at(i).text != "$VRCNC\r\n")
+            sentences += line.lines().at(i).text;
+    }
+    return sentences;
+}
+
+void ScriptedBench::endLink()
+{
+    const QPointer<NmeaSerialPort> link = window.currentLink();
+    link->slot_confirm_timer();
+    if (link)
+        link->slot_confirm_timer();
+}
+
+bool ScriptedBench::inService(const std::function<void(servicedlg &)> &use)
+{
+    bool hasCome = false;
+    QTimer::singleShot(0, &line, [&] {
+        const QPointer<servicedlg> dialog = serviceDialog();
+        if (!dialog || !dialog->isVisible())
+            return;
+        hasCome = true;
+        use(*dialog);
+        if (dialog)
+            dialog->close();
+    });
+    find<QPushButton>(QStringLiteral("pushButton_Service"))->click();
+    return hasCome;
+}

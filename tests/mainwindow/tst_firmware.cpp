@@ -1,0 +1,847 @@
+#include "firmwarebench.h"
+
+#include "link/nmeaserialport.h"
+#include "support/checkedline.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+/*! The firmware update: loading the file, all states, all ends, and the attempt that follows. */
+class tst_firmware : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void sizes_data();
+    void sizes();
+    void largestFile();
+    void badFiles_data();
+    void badFiles();
+    void fileThatGoes_data();
+    void fileThatGoes();
+    void fileThatEndsEarly();
+    void unreadableFile();
+    void noFileChosen();
+    void questions_data();
+    void questions();
+    void answeredNo();
+    void questionsButtonsStay();
+
+    void progressDialog();
+    void progressValues_data();
+    void progressValues();
+    void packets();
+    void startSentenceComesFirst();
+    void nothingElseIsSentMeanwhile();
+    void succeeds();
+    void watchIsSuspended();
+    void takenOverUnderTheLastBox();
+    void readyTwiceStartsAgain();
+    void doneInAnyState_data();
+    void doneInAnyState();
+
+    void cancel_data();
+    void cancel();
+    void wrongAcknowledgements_data();
+    void wrongAcknowledgements();
+    void lateAcknowledgement();
+    void errorCodes_data();
+    void errorCodes();
+    void timeout_data();
+    void timeout();
+    void everyStepWindsTheWatchdog();
+    void imageLostOnTheWay();
+    void lateSentencesAreIgnored();
+    void manyFailuresInARow();
+    void startsOnlyWithAnImageAndAConnection();
+};
+
+namespace {
+
+const QString wrongNumber = QStringLiteral("Error firmware update. code: -1");
+const QString timeoutText = QStringLiteral("Error: Firmware update timeout");
+
+// Where an update of three packets can be when something comes in between.
+enum State { Waiting, Sending, Finishing };
+
+constexpr int smallSize = 70;
+
+void addStates()
+{
+    QTest::addColumn<int>("state");
+    QTest::newRow("waiting") << int(Waiting);
+    QTest::newRow("sending") << int(Sending);
+    QTest::newRow("finishing") << int(Finishing);
+}
+
+QByteArray lastSentenceOf(State state, const QByteArray &image)
+{
+    switch (state) {
+    case Waiting:
+        return "$VRFWS\r\n";
+    case Sending:
+        return packetSentence(image, 2);
+    case Finishing:
+        return "$VRFWF\r\n";
+    }
+    return QByteArray();
+}
+
+// An update of three packets that stands still in `state`.
+bool bringTo(FirmwareBench &bench, State state, const QByteArray &image)
+{
+    bench.onLine = [&bench, state](const QByteArray &sentence) {
+        const int number = packetNumber(sentence);
+        if (sentence == "$VRFWS\r\n" && state != Waiting)
+            bench.sayBare("$VRFWR");
+        else if (number > 0 && (state == Finishing || number == 1))
+            bench.say("$VRFWP," + QByteArray::number(number));
+    };
+    if (!bench.startUpdate(image))
+        return false;
+    return QTest::qWaitFor([&] { return bench.heard().endsWith(lastSentenceOf(state, image)); });
+}
+
+// A whole update at once, without a new connection.
+void verifyUpdateWorks(FirmwareBench &bench)
+{
+    const QByteArray image = firmwareImage(100, 7);
+    bench.takeFirmware();
+    QVERIFY(bench.startUpdate(image));
+    bench.boxes.expect(bench.success());
+    QTRY_VERIFY(!bench.window.isConnected());
+    QVERIFY(bench.isFinished);
+    QCOMPARE(bench.taken, image);
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    QVERIFY2(bench.files->report().isEmpty(), qPrintable(bench.files->report()));
+}
+
+void verifyIdle(const FirmwareBench &bench)
+{
+    QTRY_VERIFY(!bench.progress());
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    QVERIFY(bench.window.isConnected());
+}
+
+// Presses the button, with the answers that bench.files and bench.boxes have been told.
+void load(FirmwareBench &bench, servicedlg &dialog)
+{
+    dialog.findChild<QPushButton *>(QStringLiteral("pushButton_Fw_Update"))->click();
+    QVERIFY2(bench.files->report().isEmpty(), qPrintable(bench.files->report()));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+BoxAnswer::Box loadError(const QString &text)
+{
+    return {QStringLiteral("Load Firmware"), text, QMessageBox::Warning};
+}
+
+} // namespace
+
+void tst_firmware::sizes_data()
+{
+    QTest::addColumn<int>("packets");
+
+    // A file without a version has version 0.0.
+    QTest::newRow("6") << 1;
+    QTest::newRow("14") << 1;
+    QTest::newRow("15") << 1;
+    QTest::newRow("16") << 1;
+    QTest::newRow("17") << 1;
+    QTest::newRow("18") << 1;
+    QTest::newRow("31") << 1;
+    QTest::newRow("32") << 1;
+    QTest::newRow("33") << 2;
+    QTest::newRow("64") << 2;
+    QTest::newRow("65") << 3;
+    QTest::newRow("1000") << 32;
+}
+
+void tst_firmware::sizes()
+{
+    QFETCH(int, packets);
+    const int size = QByteArray(QTest::currentDataTag()).toInt();
+    const QByteArray image = firmwareImage(size);
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.takeFirmware();
+    const QString version = QStringLiteral("%1.%2").arg(size > 14 ? 3 : 0).arg(size > 15 ? 6 : 0);
+    bench.files->expect(FirmwareBench::chooser(bench.writeFile(image)));
+    bench.boxes.expect(FirmwareBench::question(version, QMessageBox::Yes)).expect(bench.success());
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        dialog.findChild<QPushButton *>(QStringLiteral("pushButton_Fw_Update"))->click();
+    }));
+    QList<QByteArray> expected = {"$VRFWS\r\n"};
+    for (int number = 1; number <= packets; ++number)
+        expected += packetSentence(image, number);
+    expected += {"$VRFWF\r\n", "$VRFWW\r\n"};
+    QTRY_VERIFY(!bench.window.isConnected());
+    QCOMPARE(bench.firmwareHeard(), expected);
+    QCOMPARE(bench.taken, image);
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+// It would take a quarter of an hour: its beginning will do.
+void tst_firmware::largestFile()
+{
+    const QByteArray image = firmwareImage(1000000);
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.takeFirmware(3);
+    QVERIFY(bench.startUpdate(image));
+    QTRY_VERIFY(bench.heard().contains(packetSentence(image, 4)));
+    QCOMPARE(bench.taken, image.left(96));
+    bench.pressCancel();
+    verifyIdle(bench);
+}
+
+void tst_firmware::badFiles_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("error");
+
+    const QString noFirmware = QStringLiteral("File %1 in not TK-7 firmware");
+    QTest::newRow("0 bytes") << QByteArray() << noFirmware;
+    QTest::newRow("5 bytes") << firmwareImage(5) << noFirmware;
+    QTest::newRow("another magic") << QByteArray("fwVR47").leftJustified(100, '\0') << noFirmware;
+    QTest::newRow("magic in lower case")
+        << QByteArray("fwvr48").leftJustified(100, '\0') << noFirmware;
+    QTest::newRow("magic behind a byte") << ' ' + firmwareImage(100) << noFirmware;
+    QTest::newRow("1,000,000 bytes of nothing") << QByteArray(1000000, '\0') << noFirmware;
+    QTest::newRow("1,000,001 bytes")
+        << firmwareImage(1000001) << QStringLiteral("File %1 is very big");
+}
+
+void tst_firmware::badFiles()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, error);
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    const QString path = bench.writeFile(content);
+    bench.files->expect(FirmwareBench::chooser(path));
+    bench.boxes.expect(loadError(error.arg(path)));
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        load(bench, dialog);
+        QVERIFY(dialog.isVisible());
+    }));
+    QCOMPARE(bench.firmwareHeard(), QList<QByteArray>());
+    verifyUpdateWorks(bench);
+}
+
+void tst_firmware::fileThatGoes_data()
+{
+    QTest::addColumn<int>("replacement");
+
+    QTest::newRow("removed") << 0;
+    QTest::newRow("a directory") << 1;
+    QTest::newRow("a socket") << 2;
+}
+
+// Between the choice and the reading.
+void tst_firmware::fileThatGoes()
+{
+    QFETCH(int, replacement);
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    const QString path = bench.writeFile(firmwareImage(100));
+    int socket = -1;
+    auto chooser = FirmwareBench::chooser(path);
+    chooser.onFinished = [&] {
+        QVERIFY(QFile::remove(path));
+        if (replacement == 1)
+            QVERIFY(QDir().mkdir(path));
+        if (replacement != 2)
+            return;
+        sockaddr_un address = {};
+        address.sun_family = AF_UNIX;
+        qstrncpy(address.sun_path, QFile::encodeName(path).constData(), sizeof address.sun_path);
+        socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
+        QCOMPARE(::bind(socket, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+    };
+    bench.files->expect(chooser);
+    bench.boxes.expect(loadError(QStringLiteral("Error open file %1").arg(path)));
+    QVERIFY(bench.inService([&](servicedlg &dialog) { load(bench, dialog); }));
+    if (socket >= 0)
+        ::close(socket);
+    QCOMPARE(bench.firmwareHeard(), QList<QByteArray>());
+}
+
+// A file of the system that is said to have 4096 bytes and has a few: the same as one that is cut
+// while it is read.
+void tst_firmware::fileThatEndsEarly()
+{
+    const QString path = QStringLiteral("/sys/devices/system/cpu/online");
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || file.size() <= file.readAll().size())
+        QSKIP("this system has no such file");
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.files->expect(FirmwareBench::chooser(path));
+    bench.boxes.expect(loadError(QStringLiteral("Error read file %1").arg(path)));
+    QVERIFY(bench.inService([&](servicedlg &dialog) { load(bench, dialog); }));
+    QCOMPARE(bench.firmwareHeard(), QList<QByteArray>());
+    verifyUpdateWorks(bench);
+}
+
+void tst_firmware::unreadableFile()
+{
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    const QString path = bench.writeFile(firmwareImage(100));
+    QVERIFY(QFile::setPermissions(path, QFileDevice::WriteOwner));
+    if (::access(QFile::encodeName(path).constData(), R_OK) == 0)
+        QSKIP("this user may read everything");
+    bench.files->expect(FirmwareBench::chooser(path));
+    bench.boxes.expect(loadError(QStringLiteral("Error open file %1").arg(path)));
+    QVERIFY(bench.inService([&](servicedlg &dialog) { load(bench, dialog); }));
+}
+
+void tst_firmware::noFileChosen()
+{
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.files->expect(FirmwareBench::chooser(QString()));
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        load(bench, dialog);
+        QVERIFY(dialog.isVisible());
+    }));
+    QCOMPARE(bench.firmwareHeard(), QList<QByteArray>());
+}
+
+void tst_firmware::questions_data()
+{
+    QTest::addColumn<QByteArray>("fields"); // offsets 14 to 17
+    QTest::addColumn<QString>("version");
+
+    QTest::newRow("no mode") << QByteArray("\x03\x06\0\0", 4) << "3.6";
+    QTest::newRow("offset 17 alone is no mode") << QByteArray("\x03\x06\0B", 4) << "3.6";
+    QTest::newRow("one character") << QByteArray("\x04\x00"
+                                                 "A\0",
+                                                 4)
+                                   << "4.0 mode A";
+    QTest::newRow("two characters") << QByteArray("\x09\x09"
+                                                  "AB",
+                                                  4)
+                                    << "9.9 mode AB";
+    QTest::newRow("percent signs") << QByteArray("\x01\x02"
+                                                 "%1",
+                                                 4)
+                                   << "1.2 mode %1";
+    QTest::newRow("numbers that are no digits") << QByteArray("\x0a\x11\0\0", 4) << ":.A";
+}
+
+void tst_firmware::questions()
+{
+    QFETCH(QByteArray, fields);
+    QFETCH(QString, version);
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    const QByteArray image = firmwareImage(100).replace(14, 4, fields);
+    bench.files->expect(FirmwareBench::chooser(bench.writeFile(image)));
+    bench.boxes.expect(FirmwareBench::question(version, QMessageBox::No));
+    QVERIFY(bench.inService([&](servicedlg &dialog) { load(bench, dialog); }));
+    QCOMPARE(bench.firmwareHeard(), QList<QByteArray>());
+}
+
+void tst_firmware::answeredNo()
+{
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    const QString path = bench.writeFile(firmwareImage(100));
+    bench.files->expect(FirmwareBench::chooser(path));
+    bench.boxes.expect(FirmwareBench::question(QStringLiteral("3.6"), QMessageBox::No));
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        load(bench, dialog);
+        QVERIFY(dialog.isVisible());
+        QVERIFY(!bench.progress());
+    }));
+    QTest::qWait(100);
+    QCOMPARE(bench.firmwareHeard(), QList<QByteArray>());
+    verifyUpdateWorks(bench);
+}
+
+void tst_firmware::questionsButtonsStay()
+{
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    const QString path = bench.writeFile(firmwareImage(100));
+    const QString bad = bench.writeFile(QByteArray(100, 'x'), QStringLiteral("bad.efw"));
+    bench.files->expect(FirmwareBench::chooser(bad))
+        .expect(FirmwareBench::chooser(path))
+        .expect(FirmwareBench::chooser(bad));
+    BoxAnswer::Box error = loadError(QStringLiteral("File %1 in not TK-7 firmware").arg(bad));
+    bench.boxes.expect(error).expect(
+        FirmwareBench::question(QStringLiteral("3.6"), QMessageBox::No));
+    error.buttons = QMessageBox::Yes | QMessageBox::No;
+    error.click = QMessageBox::Yes;
+    bench.boxes.expect(error);
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        for (int i = 0; i < 3; ++i)
+            dialog.findChild<QPushButton *>(QStringLiteral("pushButton_Fw_Update"))->click();
+        QVERIFY(dialog.isVisible());
+        QVERIFY2(bench.files->report().isEmpty(), qPrintable(bench.files->report()));
+    }));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    QCOMPARE(bench.firmwareHeard(), QList<QByteArray>());
+}
+
+void tst_firmware::progressDialog()
+{
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(bringTo(bench, Waiting, firmwareImage(smallSize)));
+    QVERIFY(!bench.serviceDialog());
+    const QPointer<QProgressDialog> dialog = bench.progress();
+    QCOMPARE(dialog->parentWidget(), &bench.window);
+    QCOMPARE(dialog->labelText(), QStringLiteral("Firmware update...     "));
+    QCOMPARE(dialog->findChild<QPushButton *>()->text(), QStringLiteral("Cancel"));
+    QCOMPARE(dialog->minimum(), 0);
+    QCOMPARE(dialog->maximum(), 100);
+    QCOMPARE(dialog->value(), 0);
+    QCOMPARE(dialog->minimumDuration(), 0);
+    QCOMPARE(dialog->windowFlags() & Qt::WindowType_Mask, Qt::WindowFlags(Qt::Dialog));
+    QVERIFY(dialog->windowFlags() & Qt::MSWindowsFixedSizeDialogHint);
+    QVERIFY(dialog->windowFlags() & Qt::CustomizeWindowHint);
+    QCOMPARE(dialog->windowModality(), Qt::WindowModal);
+    QVERIFY(dialog->autoFillBackground());
+    QCOMPARE(dialog->font().pointSize(), 9);
+    for (auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+        QCOMPARE(dialog->palette().color(group, QPalette::Window), QColor(255, 199, 1));
+        QCOMPARE(dialog->palette().color(group, QPalette::Button), QColor(214, 214, 214));
+    }
+    dialog->findChild<QPushButton *>()->click();
+    QTRY_VERIFY(!dialog);
+    verifyIdle(bench);
+}
+
+void tst_firmware::progressValues_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<QList<int>>("values"); // when packet 1, 2, ... leaves
+
+    QTest::newRow("one packet") << 32 << QList<int>({0});
+    QTest::newRow("four full packets") << 128 << QList<int>({0, 50, 75, 100});
+    QTest::newRow("three packets, the last not full") << 70 << QList<int>({0, 91, 100});
+    QTest::newRow("six packets, the last not full") << 180 << QList<int>({0, 35, 53, 71, 88, 100});
+}
+
+void tst_firmware::progressValues()
+{
+    QFETCH(int, size);
+    QFETCH(QList<int>, values);
+    const QByteArray image = firmwareImage(size);
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(bringTo(bench, Waiting, image));
+    bench.keepSilent();
+    bench.sayBare("$VRFWR");
+    for (int number = 1; number <= values.size(); ++number) {
+        QTRY_VERIFY(bench.heard().endsWith(packetSentence(image, number)));
+        QCOMPARE(bench.progress()->value(), values.at(number - 1));
+        bench.say("$VRFWP," + QByteArray::number(number));
+    }
+    // It stays until the router has finished, too.
+    QTRY_VERIFY(bench.heard().endsWith("$VRFWF\r\n"));
+    QVERIFY(bench.isUpdating());
+    QCOMPARE(bench.progress()->value(), values.last());
+    QCOMPARE(bench.progress()->findChild<QProgressBar *>()->text(),
+             QStringLiteral("%1%").arg(values.last()));
+    bench.pressCancel();
+    verifyIdle(bench);
+}
+
+void tst_firmware::packets()
+{
+    QByteArray image = firmwareImage(33);
+    image[18] = '\x0a';
+    image[19] = char(0xff);
+    image[32] = '\x0a';
+    image.replace(20, 12, QByteArray(12, '\0'));
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.takeFirmware(2);
+    QVERIFY(bench.startUpdate(image));
+    QTRY_VERIFY(bench.heard().endsWith("$VRFWF\r\n"));
+    // The sums were worked out apart from this program.
+    QCOMPARE(bench.firmwareHeard(),
+             QList<QByteArray>({"$VRFWS\r\n",
+                                "$VRFWP,1,66775652343801020304050607080306"
+                                "00000AFF000000000000000000000000*00\r\n",
+                                "$VRFWP,2,0A*06\r\n", "$VRFWF\r\n"}));
+    bench.pressCancel();
+    verifyIdle(bench);
+}
+
+// The service dialog is still open when the request is queued, and closed before the first packet.
+void tst_firmware::startSentenceComesFirst()
+{
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.files->expect(FirmwareBench::chooser(bench.writeFile(firmwareImage(smallSize))));
+    bench.boxes.expect(FirmwareBench::question(QStringLiteral("3.6"), QMessageBox::Yes));
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        bool wasOpen = false;
+        connect(&dialog, &servicedlg::startFirmwareUpdate, &dialog,
+                [&] { wasOpen = dialog.isVisible() && bench.progress(); });
+        load(bench, dialog);
+        QVERIFY(wasOpen);
+        QVERIFY(!dialog.isVisible());
+    }));
+    QTRY_VERIFY(bench.isUpdating());
+    QTRY_COMPARE(bench.firmwareHeard(), QList<QByteArray>({"$VRFWS\r\n"}));
+    bench.pressCancel();
+    verifyIdle(bench);
+}
+
+void tst_firmware::nothingElseIsSentMeanwhile()
+{
+    const QByteArray image = firmwareImage(3200);
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.takeFirmware();
+    QVERIFY(bench.startUpdate(image));
+    bench.boxes.expect(bench.success());
+    QTRY_VERIFY_WITH_TIMEOUT(!bench.window.isConnected(), 20000);
+    const QList<QByteArray> heard = bench.heard();
+    const int start = heard.indexOf("$VRFWS\r\n");
+    QCOMPARE(heard.size() - start, 1 + 100 + 2);
+}
+
+void tst_firmware::succeeds()
+{
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    verifyUpdateWorks(bench);
+    QVERIFY(!bench.window.currentLink());
+    QCOMPARE(bench.find<QPushButton>("pushButton_connect")->text(), QStringLiteral("Connect"));
+    QVERIFY(bench.find<QLabel>("label_firmware_version")->text().isEmpty());
+    // The router comes back, and can be updated again.
+    QVERIFY(bench.connectToRouter());
+    verifyUpdateWorks(bench);
+}
+
+// A router that restarts is silent for longer than the watch would bear.
+void tst_firmware::watchIsSuspended()
+{
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.takeFirmware();
+    QVERIFY(bench.startUpdate(firmwareImage(smallSize)));
+    bench.boxes.expect(bench.success([&] {
+        QVERIFY(!bench.isUpdating());
+        const int before = bench.line.lines().size();
+        QTest::qWait(4500);
+        QCOMPARE(bench.line.lines().size(), before);
+        QVERIFY(bench.window.isConnected());
+    }));
+    QTRY_VERIFY_WITH_TIMEOUT(!bench.window.isConnected(), 10000);
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+void tst_firmware::takenOverUnderTheLastBox()
+{
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.takeFirmware();
+    bool isTaken = false;
+    QVERIFY(bench.startUpdate(firmwareImage(smallSize)));
+    bench.boxes
+        .expect(bench.success([&] {
+            bench.sayBare("$VRCNB");
+            QTRY_VERIFY(!bench.window.isConnected());
+            isTaken = true;
+        }))
+        .expect({QStringLiteral("COM Port"),
+                 QStringLiteral("TK-7 Router Busy another Control programm"),
+                 QMessageBox::Warning});
+    QTRY_VERIFY(isTaken && !bench.window.findChild<QMessageBox *>());
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    QVERIFY(bench.connectToRouter());
+    verifyUpdateWorks(bench);
+}
+
+void tst_firmware::readyTwiceStartsAgain()
+{
+    const QByteArray image = firmwareImage(smallSize);
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(bringTo(bench, Sending, image));
+    bench.sayBare("$VRFWR");
+    const QList<QByteArray> expected = {"$VRFWS\r\n", packetSentence(image, 1),
+                                        packetSentence(image, 2), packetSentence(image, 1),
+                                        packetSentence(image, 2)};
+    QTRY_COMPARE(bench.firmwareHeard(), expected);
+    bench.pressCancel();
+    verifyIdle(bench);
+}
+
+void tst_firmware::doneInAnyState_data()
+{
+    addStates();
+}
+
+void tst_firmware::doneInAnyState()
+{
+    QFETCH(int, state);
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(bringTo(bench, State(state), firmwareImage(smallSize)));
+    bench.boxes.expect(bench.success());
+    bench.sayBare("$VRFWO");
+    QTRY_VERIFY(!bench.window.isConnected());
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+void tst_firmware::cancel_data()
+{
+    addStates();
+}
+
+void tst_firmware::cancel()
+{
+    QFETCH(int, state);
+    const QByteArray image = firmwareImage(smallSize);
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(bringTo(bench, State(state), image));
+    const int before = bench.heard().size();
+    bench.pressCancel();
+    verifyIdle(bench);
+    // The router is told nothing, and the image is forgotten.
+    bench.window.slotStartFirmwareUpdate();
+    QTest::qWait(100);
+    QCOMPARE(bench.heard().size(), before);
+    QVERIFY(!bench.progress());
+    verifyUpdateWorks(bench);
+}
+
+void tst_firmware::wrongAcknowledgements_data()
+{
+    QTest::addColumn<int>("state");
+    QTest::addColumn<QByteArray>("number");
+
+    QTest::newRow("repeated") << int(Sending) << QByteArray("1");
+    QTest::newRow("early") << int(Sending) << QByteArray("3");
+    QTest::newRow("foreign") << int(Sending) << QByteArray("31250");
+    QTest::newRow("none") << int(Sending) << QByteArray("0");
+    QTest::newRow("no number") << int(Sending) << QByteArray("x");
+    QTest::newRow("largest") << int(Sending) << QByteArray("4294967295");
+    QTest::newRow("before the router is ready") << int(Waiting) << QByteArray("1");
+    QTest::newRow("repeated at the end") << int(Finishing) << QByteArray("3");
+}
+
+void tst_firmware::wrongAcknowledgements()
+{
+    QFETCH(int, state);
+    QFETCH(QByteArray, number);
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(bringTo(bench, State(state), firmwareImage(smallSize)));
+    bench.boxes.expect(FirmwareBench::failure(wrongNumber));
+    const int before = bench.heard().size();
+    bench.say("$VRFWP," + number);
+    QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    verifyIdle(bench);
+    QTest::qWait(60);
+    QCOMPARE(bench.heard().size(), before);
+    verifyUpdateWorks(bench);
+}
+
+// The last packet of an update that was cancelled is acknowledged when the next one waits already.
+void tst_firmware::lateAcknowledgement()
+{
+    const QByteArray image = firmwareImage(smallSize);
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(bringTo(bench, Sending, image));
+    bench.pressCancel();
+    verifyIdle(bench);
+    QVERIFY(bringTo(bench, Waiting, image));
+    bench.say("$VRFWP,2");
+    bench.waitUntilHeard();
+    QVERIFY(bench.isUpdating());
+    // Once: the same number again belongs to nothing.
+    bench.boxes.expect(FirmwareBench::failure(wrongNumber));
+    bench.say("$VRFWP,2");
+    QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    verifyIdle(bench);
+
+    QVERIFY(bringTo(bench, Sending, image));
+    bench.pressCancel();
+    verifyIdle(bench);
+    bench.takeFirmware();
+    const auto take = bench.onLine;
+    bench.onLine = [&](const QByteArray &sentence) {
+        if (sentence == "$VRFWS\r\n")
+            bench.say("$VRFWP,2");
+        take(sentence);
+    };
+    QVERIFY(bench.startUpdate(image));
+    bench.boxes.expect(bench.success());
+    QTRY_VERIFY(!bench.window.isConnected());
+    QCOMPARE(bench.taken, image);
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+void tst_firmware::errorCodes_data()
+{
+    QTest::addColumn<int>("state");
+    QTest::addColumn<QByteArray>("code");
+
+    QTest::newRow("waiting, 0") << int(Waiting) << QByteArray("0");
+    QTest::newRow("waiting, 3") << int(Waiting) << QByteArray("3");
+    QTest::newRow("sending, 17") << int(Sending) << QByteArray("17");
+    QTest::newRow("finishing, 4294967295") << int(Finishing) << QByteArray("4294967295");
+}
+
+void tst_firmware::errorCodes()
+{
+    QFETCH(int, state);
+    QFETCH(QByteArray, code);
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(bringTo(bench, State(state), firmwareImage(smallSize)));
+    bench.boxes.expect(FirmwareBench::failure(QStringLiteral("Error firmware update. code: ")
+                                              + QString::fromLatin1(code)));
+    bench.say("$VRFWE," + code);
+    QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    verifyIdle(bench);
+    verifyUpdateWorks(bench);
+}
+
+void tst_firmware::timeout_data()
+{
+    addStates();
+}
+
+void tst_firmware::timeout()
+{
+    QFETCH(int, state);
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(bringTo(bench, State(state), firmwareImage(smallSize)));
+    bench.boxes.expect(FirmwareBench::failure(timeoutText));
+    QElapsedTimer clock;
+    clock.start();
+    QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.isDone(), 8000);
+    QVERIFY2(clock.elapsed() > 5500, qPrintable(QString::number(clock.elapsed())));
+    verifyIdle(bench);
+    verifyUpdateWorks(bench);
+}
+
+void tst_firmware::everyStepWindsTheWatchdog()
+{
+    constexpr int slow = 4000; // ms; two of them are more than the watchdog bears
+    const QByteArray image = firmwareImage(32);
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(bringTo(bench, Waiting, image));
+    bench.keepSilent();
+    QTest::qWait(slow);
+    bench.sayBare("$VRFWR");
+    QTest::qWait(slow);
+    QVERIFY(bench.heard().endsWith(packetSentence(image, 1)));
+    bench.say("$VRFWP,1");
+    QTest::qWait(slow);
+    QVERIFY(bench.heard().endsWith("$VRFWF\r\n"));
+    QVERIFY(bench.isUpdating());
+    bench.boxes.expect(bench.success());
+    bench.sayBare("$VRFWO");
+    QTRY_VERIFY(!bench.window.isConnected());
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+// The buffer is the one that the service dialog reads into. No user can open it meanwhile.
+void tst_firmware::imageLostOnTheWay()
+{
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(bringTo(bench, Sending, firmwareImage(smallSize)));
+    bench.keepSilent();
+    const QString empty = bench.writeFile(QByteArray(), QStringLiteral("empty.efw"));
+    bench.files->expect(FirmwareBench::chooser(empty));
+    bench.boxes.expect(loadError(QStringLiteral("File %1 in not TK-7 firmware").arg(empty)));
+    QVERIFY(bench.inService([&](servicedlg &dialog) { load(bench, dialog); }));
+    bench.boxes.expect(FirmwareBench::failure(QStringLiteral("Error firmware update. code: -2")));
+    bench.say("$VRFWP,2");
+    QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    verifyIdle(bench);
+    verifyUpdateWorks(bench);
+}
+
+void tst_firmware::lateSentencesAreIgnored()
+{
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    const auto sayAll = [&] {
+        bench.sayBare("$VRFWR");
+        bench.say("$VRFWP,2");
+        bench.say("$VRFWE,3");
+        bench.sayBare("$VRFWO");
+        bench.waitUntilHeard();
+    };
+    // Before any update, under the box that ends one, and behind it.
+    sayAll();
+    QVERIFY(bringTo(bench, Sending, firmwareImage(smallSize)));
+    BoxAnswer::Box box = FirmwareBench::failure(QStringLiteral("Error firmware update. code: 3"));
+    box.click = QMessageBox::NoButton;
+    box.whileOpen = [&](QMessageBox &open) {
+        sayAll();
+        open.accept();
+    };
+    bench.boxes.expect(box);
+    const int before = bench.firmwareHeard().size();
+    bench.say("$VRFWE,3");
+    QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    QTRY_VERIFY(!bench.window.findChild<QMessageBox *>());
+    sayAll();
+    QTest::qWait(60);
+    QCOMPARE(bench.firmwareHeard().size(), before);
+    verifyIdle(bench);
+    verifyUpdateWorks(bench);
+}
+
+void tst_firmware::manyFailuresInARow()
+{
+    const QByteArray image = firmwareImage(smallSize);
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    for (int round = 0; round < 4; ++round) {
+        for (const State state : {Waiting, Sending, Finishing}) {
+            QVERIFY(bringTo(bench, state, image));
+            if ((round + state) % 2) {
+                bench.pressCancel();
+            } else {
+                bench.boxes.expect(
+                    FirmwareBench::failure(QStringLiteral("Error firmware update. code: 9")));
+                bench.say("$VRFWE,9");
+            }
+            verifyIdle(bench);
+        }
+    }
+    verifyUpdateWorks(bench);
+}
+
+void tst_firmware::startsOnlyWithAnImageAndAConnection()
+{
+    FirmwareBench bench;
+    bench.window.slotStartFirmwareUpdate();
+    QVERIFY(!bench.progress());
+    QVERIFY(bench.connectToRouter());
+    bench.window.slotStartFirmwareUpdate();
+    bench.waitUntilHeard();
+    QTest::qWait(60);
+    QVERIFY(!bench.progress());
+    QCOMPARE(bench.firmwareHeard(), QList<QByteArray>());
+}
+
+QTEST_MAIN(tst_firmware)
+#include "tst_firmware.moc"

@@ -1,0 +1,931 @@
+#include "scriptedbench.h"
+
+#include "mainwindow/statuswidget.h"
+#include "service/enterpassworddlg.h"
+#include "service/passworddlg.h"
+#include "support/checkedline.h"
+#include "support/indialog.h"
+#include "widgets/qclicklabel.h"
+
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTemporaryFile>
+
+#include <cstdio>
+#include <memory>
+#include <unistd.h>
+
+/*! The router's lock: the status panel, the service dialog's buttons and boxes, the passwords. */
+class tst_lock : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void statusPanel_data();
+    void statusPanel();
+    void panelIsHiddenWithoutAConnection();
+    void clickOnTheLabel_data();
+    void clickOnTheLabel();
+    void labelUnlocks();
+    void labelCancels();
+    void labelRefusesABadPassword();
+    void wrongPasswordInTheWindow_data();
+    void wrongPasswordInTheWindow();
+    void wrongPasswordTwice();
+    void serviceTakesTheStatus();
+
+    void buttons_data();
+    void buttons();
+    void firstPassword();
+    void firstPasswordRefused();
+    void answerBeforeTheStatus();
+    void pendingActionIsForgotten();
+    void passwordsKeepTheirCase_data();
+    void passwordsKeepTheirCase();
+    void unlocking();
+    void wrongUnlockPassword();
+    void deleting_data();
+    void deleting();
+    void boxKeepsTheQuestionsButtons();
+    void changing();
+    void viewing();
+    void cancelledDialogsSendNothing_data();
+    void cancelledDialogsSendNothing();
+    void statusUnderAnOpenQuestion();
+    void statusUnderAnOpenDialog();
+    void passwordsStayOutOfTheOutput();
+
+    // The last one: its window stays until the end, and two windows would answer each other's
+    // boxes.
+    void transitions_data();
+    void transitions();
+    void cleanupTestCase() { m_shared.reset(); }
+
+private:
+    std::unique_ptr<ScriptedBench> m_shared; //!< of transitions()
+};
+
+namespace {
+
+const QString unlockTitle = QStringLiteral("Unlock TK-7");
+const QString unlockedText = QStringLiteral("Router TK-7 unlocked successfully");
+
+BoxAnswer::Box wrongPassword()
+{
+    return {unlockTitle, QStringLiteral("Wrong Unlock Password"), QMessageBox::Warning};
+}
+
+BoxAnswer::Box unlocked(const QString &welcome = QString())
+{
+    return {unlockTitle, welcome + unlockedText, QMessageBox::Information};
+}
+
+BoxAnswer::Box deleted(QMessageBox::StandardButtons buttons = QMessageBox::Ok)
+{
+    return {QStringLiteral("Delete lock password"),
+            QStringLiteral("Lock password deleted successfully"), QMessageBox::Warning, buttons};
+}
+
+BoxAnswer::Box deleteQuestion(QMessageBox::StandardButton click)
+{
+    return {QStringLiteral("Delete password"),
+            QStringLiteral("Are you sure want to delete the password?"), QMessageBox::Warning,
+            QMessageBox::Ok | QMessageBox::Cancel, click};
+}
+
+BoxAnswer::Box passwordSet(QMessageBox::StandardButtons buttons = QMessageBox::Ok)
+{
+    return {QStringLiteral("Set lock password"), QStringLiteral("Lock password set successfully"),
+            QMessageBox::Information, buttons};
+}
+
+const QString serviceWelcome = QStringLiteral("   Welcome TIDEWELL MAN !!!\r\n");
+const QString highestWelcome = QStringLiteral("    I salute you My CREATOR !!!\r\n");
+
+QString welcomeOf(int level)
+{
+    if (level == 4)
+        return serviceWelcome;
+    return level == 5 ? highestWelcome : QString();
+}
+
+QByteArray status(bool password, int level)
+{
+    return "$VRLCK," + QByteArray(password ? "1" : "0") + ',' + QByteArray::number(level);
+}
+
+void setStatus(ScriptedBench &bench, bool password, int level)
+{
+    bench.say(status(password, level));
+    bench.waitUntilHeard();
+}
+
+QPushButton *button(const QWidget &dialog, const char *name)
+{
+    auto *found = dialog.findChild<QPushButton *>(QString::fromLatin1(name));
+    if (!found)
+        qFatal("no button %s", name);
+    return found;
+}
+
+void type(const QWidget &dialog, const char *field, const QString &text)
+{
+    auto *edit = dialog.findChild<QLineEdit *>(QString::fromLatin1(field));
+    edit->clear();
+    QTest::keyClicks(edit, text);
+}
+
+void typeNew(const passwordDlg &dialog, const QString &password)
+{
+    type(dialog, "lineEdit_lock_password", password);
+    type(dialog, "lineEdit_confirm_password", password);
+    button(dialog, "pushButton_Ok")->click();
+}
+
+void typeUnlock(const EnterPasswordDlg &dialog, const QString &password)
+{
+    type(dialog, "lineEdit_password", password);
+    button(dialog, "pushButton_Ok")->click();
+}
+
+// Runs `use` in the dialog that a press on the lock label opens.
+bool inLabelDialog(ScriptedBench &bench, const std::function<void(EnterPasswordDlg &)> &use)
+{
+    bool hasCome = false;
+    QTimer::singleShot(0, &bench.line, [&] {
+        const QPointer<EnterPasswordDlg> dialog = bench.window.findChild<EnterPasswordDlg *>();
+        if (!dialog || !dialog->isVisible())
+            return;
+        hasCome = true;
+        use(*dialog);
+        if (dialog && dialog->isVisible())
+            dialog->reject();
+    });
+    QTest::mousePress(bench.find<QClickLabel>("label_lock"), Qt::LeftButton);
+    QCoreApplication::processEvents();
+    return hasCome;
+}
+
+// What the tool has said of the lock since the opening of the service dialog.
+QList<QByteArray> said(const ScriptedBench &bench)
+{
+    QList<QByteArray> sentences;
+    const QList<QByteArray> heard = bench.heard();
+    for (const QByteArray &sentence : heard) {
+        if (!sentence.startsWith("$VRSTA") && !sentence.startsWith("$VRSER"))
+            sentences += sentence;
+    }
+    return sentences;
+}
+
+} // namespace
+
+void tst_lock::statusPanel_data()
+{
+    QTest::addColumn<bool>("password");
+    QTest::addColumn<int>("level");
+    QTest::addColumn<bool>("visible");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("style");
+
+    const QString rest = QStringLiteral("; color: white; border-style: inset; border-width: 1px; "
+                                        "font-size:10pt}");
+    const QString red = QStringLiteral("QLabel { background-color: rgb(229,22,28)") + rest;
+    const QString blue = QStringLiteral("QLabel { background-color: rgb(66,133,244)") + rest;
+    QTest::newRow("no password") << false << 0 << false << "LOCK" << red;
+    QTest::newRow("locked") << true << 0 << true << "LOCK" << red;
+    for (int level = 1; level <= 5; ++level)
+        QTest::addRow("level %d", level) << true << level << true << "UNLOCK" << blue;
+}
+
+void tst_lock::statusPanel()
+{
+    QFETCH(bool, password);
+    QFETCH(int, level);
+    QFETCH(QString, text);
+    QFETCH(QString, style);
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    auto *label = bench.find<QClickLabel>("label_lock");
+    QVERIFY(!label->isVisible());
+    setStatus(bench, password, level);
+    QTEST(label->isVisible(), "visible");
+    if (password) {
+        QCOMPARE(label->text(), text);
+        QCOMPARE(label->styleSheet(), style);
+    }
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+void tst_lock::panelIsHiddenWithoutAConnection()
+{
+    ScriptedBench bench;
+    auto *label = bench.find<QClickLabel>("label_lock");
+    QVERIFY(!label->isVisible());
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, true, 0);
+    QVERIFY(label->isVisible());
+    bench.boxes.expect(
+        {QStringLiteral("COM Port"), QStringLiteral("Connection timeout"), QMessageBox::Warning});
+    bench.endLink();
+    QVERIFY(!label->isVisible());
+    // Locked once in the old connection: the first status of the new one is no answer to anything.
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(!label->isVisible());
+    setStatus(bench, true, 0);
+    QVERIFY(label->isVisible());
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+void tst_lock::clickOnTheLabel_data()
+{
+    QTest::addColumn<bool>("password");
+    QTest::addColumn<int>("level");
+    QTest::addColumn<bool>("asks");
+    QTest::addColumn<QList<QByteArray>>("sent");
+
+    const QList<QByteArray> lock = {"$VRLGO\r\n"};
+    QTest::newRow("no password") << false << 0 << false << QList<QByteArray>();
+    QTest::newRow("locked") << true << 0 << true << QList<QByteArray>();
+    for (int level = 1; level <= 5; ++level)
+        QTest::addRow("level %d", level) << true << level << false << lock;
+}
+
+void tst_lock::clickOnTheLabel()
+{
+    QFETCH(bool, password);
+    QFETCH(int, level);
+    QFETCH(QList<QByteArray>, sent);
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, password, level);
+    const bool asked = inLabelDialog(bench, [](EnterPasswordDlg &) {});
+    QTEST(asked, "asks");
+    bench.waitUntilHeard();
+    QTRY_COMPARE(said(bench), sent);
+}
+
+void tst_lock::labelUnlocks()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, true, 0);
+    QVERIFY(inLabelDialog(bench, [&](EnterPasswordDlg &dialog) {
+        QCOMPARE(dialog.parentWidget(), &bench.window);
+        typeUnlock(dialog, QStringLiteral("Harbour7"));
+    }));
+    QTRY_COMPARE(said(bench), QList<QByteArray>({checkedLine("$VRPWU,Harbour7")}));
+    setStatus(bench, true, 2);
+    QCOMPARE(bench.find<QClickLabel>("label_lock")->text(), QStringLiteral("UNLOCK"));
+    QVERIFY(!bench.window.findChild<EnterPasswordDlg *>());
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+void tst_lock::labelCancels()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, true, 0);
+    QVERIFY(inLabelDialog(bench, [](EnterPasswordDlg &dialog) {
+        type(dialog, "lineEdit_password", QStringLiteral("Harbour7"));
+        button(dialog, "pushButton_Cancel")->click();
+    }));
+    bench.waitUntilHeard();
+    QCOMPARE(said(bench), QList<QByteArray>());
+}
+
+void tst_lock::labelRefusesABadPassword()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, true, 0);
+    bench.boxes.expect(
+        {QStringLiteral("Password error"),
+         QStringLiteral("The password can only contain numbers and Latin characters"),
+         QMessageBox::Warning});
+    QVERIFY(inLabelDialog(bench, [](EnterPasswordDlg &dialog) {
+        typeUnlock(dialog, QStringLiteral("with blank"));
+        QVERIFY(dialog.isVisible());
+        typeUnlock(dialog, QStringLiteral("without"));
+        QVERIFY(!dialog.isVisible());
+    }));
+    QTRY_COMPARE(said(bench), QList<QByteArray>({checkedLine("$VRPWU,without")}));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+void tst_lock::wrongPasswordInTheWindow_data()
+{
+    QTest::addColumn<bool>("oldPassword");
+    QTest::addColumn<int>("oldLevel");
+    QTest::addColumn<bool>("password");
+    QTest::addColumn<int>("level");
+    QTest::addColumn<bool>("box");
+
+    QTest::newRow("locked, locked again") << true << 0 << true << 0 << true;
+    QTest::newRow("no password, then locked") << false << 0 << true << 0 << false;
+    QTest::newRow("unlocked, then locked") << true << 2 << true << 0 << false;
+    QTest::newRow("locked, then unlocked") << true << 0 << true << 2 << false;
+    QTest::newRow("locked, then no password") << true << 0 << false << 0 << false;
+    QTest::newRow("no password, again") << false << 0 << false << 0 << false;
+    QTest::newRow("unlocked, again") << true << 3 << true << 3 << false;
+}
+
+void tst_lock::wrongPasswordInTheWindow()
+{
+    QFETCH(bool, oldPassword);
+    QFETCH(int, oldLevel);
+    QFETCH(bool, password);
+    QFETCH(int, level);
+    QFETCH(bool, box);
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, oldPassword, oldLevel);
+    if (box)
+        bench.boxes.expect(wrongPassword());
+    setStatus(bench, password, level);
+    QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+// The second status comes while the box of the first is open.
+void tst_lock::wrongPasswordTwice()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, true, 0);
+    bench.boxes.expect(wrongPassword()).expect(wrongPassword());
+    bench.say(status(true, 0));
+    bench.say(status(true, 0));
+    bench.waitUntilHeard();
+    QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+// With the service dialog open its own box comes, and only that one.
+void tst_lock::serviceTakesTheStatus()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, true, 0);
+    QVERIFY(bench.inService([&](servicedlg &) {
+        bench.boxes.expect(wrongPassword());
+        setStatus(bench, true, 0);
+        QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    }));
+    QCOMPARE(bench.find<QClickLabel>("label_lock")->text(), QStringLiteral("LOCK"));
+    // What came while it was open counts behind it.
+    bench.boxes.expect(wrongPassword());
+    setStatus(bench, true, 0);
+    QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+void tst_lock::buttons_data()
+{
+    QTest::addColumn<bool>("password");
+    QTest::addColumn<int>("level");
+    QTest::addColumn<bool>("lockShown");
+    QTest::addColumn<QString>("lockText");
+    QTest::addColumn<bool>("changePassword");
+    QTest::addColumn<bool>("changeMode");
+    QTest::addColumn<bool>("viewPassword");
+
+    const QString remove = QStringLiteral("Delete\nPassword");
+    QTest::newRow("no password, level 0")
+        << false << 0 << true << "LOCK" << false << false << false;
+    QTest::newRow("no password, level 5")
+        << false << 5 << true << "LOCK" << false << false << false;
+    QTest::newRow("level 0") << true << 0 << true << "UNLOCK" << false << false << false;
+    QTest::newRow("level 1") << true << 1 << false << QString() << false << false << false;
+    QTest::newRow("level 2") << true << 2 << true << remove << true << false << false;
+    QTest::newRow("level 3") << true << 3 << true << remove << true << false << false;
+    QTest::newRow("level 4") << true << 4 << true << remove << true << true << false;
+    QTest::newRow("level 5") << true << 5 << true << remove << true << true << true;
+}
+
+// The same whether the status was there before the dialog or comes while it is open.
+void tst_lock::buttons()
+{
+    QFETCH(bool, password);
+    QFETCH(int, level);
+    QFETCH(bool, lockShown);
+    QFETCH(QString, lockText);
+    QFETCH(bool, changePassword);
+    QFETCH(bool, changeMode);
+    QFETCH(bool, viewPassword);
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    // A level at which no box follows on any other status.
+    setStatus(bench, true, 2);
+    const auto verify = [&](const servicedlg &dialog) {
+        const QPushButton *lock = button(dialog, "pushButton_Lock");
+        QCOMPARE(lock->isVisible(), lockShown);
+        if (lockShown)
+            QCOMPARE(lock->text(), lockText);
+        QCOMPARE(button(dialog, "pushButton_Change_Password")->isVisible(), changePassword);
+        QCOMPARE(button(dialog, "pushButton_Change_Mode")->isVisible(), changeMode);
+        QCOMPARE(button(dialog, "pushButton_View_Password")->isVisible(), viewPassword);
+    };
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        if (!password)
+            bench.boxes.expect(deleted());
+        setStatus(bench, password, level);
+        verify(dialog);
+    }));
+    QVERIFY(bench.inService([&](servicedlg &dialog) { verify(dialog); }));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+void tst_lock::transitions_data()
+{
+    QTest::addColumn<bool>("oldPassword");
+    QTest::addColumn<int>("oldLevel");
+    QTest::addColumn<bool>("password");
+    QTest::addColumn<int>("level");
+    QTest::addColumn<QString>("box");
+
+    struct State
+    {
+        bool password;
+        int level;
+    };
+    QList<State> states = {{false, 0}, {false, 3}};
+    for (int level = 0; level <= 5; ++level)
+        states += State{true, level};
+    for (const State &from : states) {
+        for (const State &to : states) {
+            QString box;
+            if (!to.password)
+                box = from.password ? QStringLiteral("deleted") : QString();
+            else if (from.level == 0)
+                box = to.level == 0 ? QStringLiteral("wrong") : QStringLiteral("unlocked");
+            QTest::addRow("%s to %s", status(from.password, from.level).constData() + 7,
+                          status(to.password, to.level).constData() + 7)
+                << from.password << from.level << to.password << to.level << box;
+        }
+    }
+}
+
+// Of statuses that come unasked, while the service dialog is open.
+void tst_lock::transitions()
+{
+    QFETCH(bool, oldPassword);
+    QFETCH(int, oldLevel);
+    QFETCH(bool, password);
+    QFETCH(int, level);
+    QFETCH(QString, box);
+    // One connection serves all rows: the status at the opening brings no box.
+    if (!m_shared) {
+        m_shared = std::make_unique<ScriptedBench>();
+        QVERIFY(m_shared->connectToRouter());
+    }
+    ScriptedBench &bench = *m_shared;
+    // Two steps that bring no box, whatever the state before: unlocked, then as wanted.
+    setStatus(bench, true, 2);
+    setStatus(bench, oldPassword, oldLevel);
+    if (box == QLatin1String("deleted"))
+        bench.boxes.expect(deleted());
+    else if (box == QLatin1String("wrong"))
+        bench.boxes.expect(wrongPassword());
+    else if (box == QLatin1String("unlocked"))
+        bench.boxes.expect(unlocked(welcomeOf(level)));
+    QVERIFY(bench.inService([&](servicedlg &) {
+        setStatus(bench, password, level);
+        QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    }));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+void tst_lock::firstPassword()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.onLine = [&](const QByteArray &sentence) {
+        if (!sentence.startsWith("$VRPWS,"))
+            return;
+        bench.say("$VRLCK,1,2");
+        bench.say("$VRPWS,OK");
+    };
+    bench.boxes.expect(passwordSet());
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        QVERIFY(inDialog<passwordDlg>(button(dialog, "pushButton_Lock"), [&](passwordDlg &enter) {
+            QCOMPARE(enter.parentWidget(), &dialog);
+            typeNew(enter, QStringLiteral("Harbour7"));
+        }));
+        QTRY_COMPARE(said(bench), QList<QByteArray>({checkedLine("$VRPWS,Harbour7")}));
+        QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+        bench.waitUntilHeard();
+        QCOMPARE(button(dialog, "pushButton_Lock")->text(), QStringLiteral("Delete\nPassword"));
+        QVERIFY(!dialog.findChild<passwordDlg *>());
+    }));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+void tst_lock::firstPasswordRefused()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.onLine = [&](const QByteArray &sentence) {
+        if (sentence.startsWith("$VRPWS,"))
+            bench.say("$VRPWS,ERROR");
+    };
+    bench.boxes.expect({QStringLiteral("Set lock password"),
+                        QStringLiteral("Password setting error"), QMessageBox::Warning});
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        QVERIFY(inDialog<passwordDlg>(button(dialog, "pushButton_Lock"), [](passwordDlg &enter) {
+            typeNew(enter, QStringLiteral("Harbour7"));
+        }));
+        QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+        QCOMPARE(button(dialog, "pushButton_Lock")->text(), QStringLiteral("LOCK"));
+    }));
+}
+
+// The answer reaches the dialog behind the status that follows it, also when both come in one read.
+void tst_lock::answerBeforeTheStatus()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.onLine = [&](const QByteArray &sentence) {
+        if (!sentence.startsWith("$VRPWS,"))
+            return;
+        bench.line.write(checkedLine("$VRPWS,OK") + checkedLine("$VRLCK,1,5"));
+    };
+    bench.boxes.expect(passwordSet());
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        QVERIFY(inDialog<passwordDlg>(button(dialog, "pushButton_Lock"), [](passwordDlg &enter) {
+            typeNew(enter, QStringLiteral("Harbour7"));
+        }));
+        QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+        bench.waitUntilHeard();
+        QVERIFY(button(dialog, "pushButton_View_Password")->isVisible());
+    }));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+// Any status ends it: the second change to unlocked is news again.
+void tst_lock::pendingActionIsForgotten()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        QVERIFY(inDialog<passwordDlg>(button(dialog, "pushButton_Lock"), [](passwordDlg &enter) {
+            typeNew(enter, QStringLiteral("Harbour7"));
+        }));
+        setStatus(bench, true, 2);
+        setStatus(bench, true, 0);
+        QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+        bench.boxes.expect(unlocked());
+        setStatus(bench, true, 2);
+        QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    }));
+    // Not kept for the next opening either.
+    setStatus(bench, false, 0);
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        QVERIFY(inDialog<passwordDlg>(button(dialog, "pushButton_Lock"), [](passwordDlg &enter) {
+            typeNew(enter, QStringLiteral("Harbour7"));
+        }));
+    }));
+    QVERIFY(bench.inService([&](servicedlg &) {
+        bench.boxes.expect(unlocked());
+        setStatus(bench, true, 3);
+        QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    }));
+}
+
+void tst_lock::passwordsKeepTheirCase_data()
+{
+    QTest::addColumn<QString>("password");
+    QTest::addColumn<QByteArray>("sentence");
+
+    QTest::newRow("abc") << "abc" << checkedLine("$VRPWS,abc");
+    QTest::newRow("ABC") << "ABC" << checkedLine("$VRPWS,ABC");
+    QTest::newRow("0") << "0" << checkedLine("$VRPWS,0");
+    QTest::newRow("20 characters")
+        << "aB3dEf7hIj1LmN5pQr9T" << checkedLine("$VRPWS,aB3dEf7hIj1LmN5pQr9T");
+}
+
+void tst_lock::passwordsKeepTheirCase()
+{
+    QFETCH(QString, password);
+    QFETCH(QByteArray, sentence);
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        QVERIFY(inDialog<passwordDlg>(button(dialog, "pushButton_Lock"),
+                                      [&](passwordDlg &enter) { typeNew(enter, password); }));
+        QTRY_COMPARE(said(bench), QList<QByteArray>({sentence}));
+    }));
+}
+
+void tst_lock::unlocking()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, true, 0);
+    bench.onLine = [&](const QByteArray &sentence) {
+        if (sentence.startsWith("$VRPWU,"))
+            bench.say("$VRLCK,1,3");
+    };
+    bench.boxes.expect(unlocked());
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        QVERIFY(inDialog<EnterPasswordDlg>(button(dialog, "pushButton_Lock"),
+                                           [&](EnterPasswordDlg &enter) {
+                                               QCOMPARE(enter.parentWidget(), &dialog);
+                                               typeUnlock(enter, QStringLiteral("Harbour7"));
+                                           }));
+        QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+        QCOMPARE(said(bench), QList<QByteArray>({checkedLine("$VRPWU,Harbour7")}));
+        QVERIFY(!dialog.findChild<EnterPasswordDlg *>());
+    }));
+}
+
+void tst_lock::wrongUnlockPassword()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, true, 0);
+    bench.onLine = [&](const QByteArray &sentence) {
+        if (sentence.startsWith("$VRPWU,"))
+            bench.say("$VRLCK,1,0");
+    };
+    bench.boxes.expect(wrongPassword()).expect(wrongPassword());
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        for (int attempt = 1; attempt <= 2; ++attempt) {
+            QVERIFY(inDialog<EnterPasswordDlg>(
+                button(dialog, "pushButton_Lock"),
+                [](EnterPasswordDlg &enter) { typeUnlock(enter, QStringLiteral("Harbour8")); }));
+            QTRY_COMPARE(bench.boxes.answered(), 1 + attempt);
+        }
+        QCOMPARE(button(dialog, "pushButton_Lock")->text(), QStringLiteral("UNLOCK"));
+    }));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+void tst_lock::deleting_data()
+{
+    QTest::addColumn<int>("level");
+    QTest::addColumn<bool>("confirm");
+
+    for (int level = 2; level <= 5; ++level) {
+        QTest::addRow("level %d, Ok", level) << level << true;
+        QTest::addRow("level %d, Cancel", level) << level << false;
+    }
+}
+
+void tst_lock::deleting()
+{
+    QFETCH(int, level);
+    QFETCH(bool, confirm);
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, true, level);
+    bench.onLine = [&](const QByteArray &sentence) {
+        if (sentence == "$VRPWD\r\n")
+            bench.say("$VRLCK,0,0");
+    };
+    bench.boxes.expect(deleteQuestion(confirm ? QMessageBox::Ok : QMessageBox::Cancel));
+    if (confirm)
+        bench.boxes.expect(deleted(QMessageBox::Ok | QMessageBox::Cancel));
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        button(dialog, "pushButton_Lock")->click();
+        bench.waitUntilHeard();
+        QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+        const QList<QByteArray> sentences = {"$VRPWD\r\n"};
+        QCOMPARE(said(bench), confirm ? sentences : QList<QByteArray>());
+        QCOMPARE(button(dialog, "pushButton_Lock")->text(),
+                 confirm ? QStringLiteral("LOCK") : QStringLiteral("Delete\nPassword"));
+    }));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+// Until the dialog closes: the next one has a new box.
+void tst_lock::boxKeepsTheQuestionsButtons()
+{
+    constexpr auto both = QMessageBox::Ok | QMessageBox::Cancel;
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, true, 5);
+    bench.boxes.expect(passwordSet()).expect(deleteQuestion(QMessageBox::Cancel));
+    BoxAnswer::Box password = {QStringLiteral("Lock password"),
+                               QStringLiteral("Current Lock Password: Harbour7"),
+                               QMessageBox::Information, both};
+    bench.boxes.expect(passwordSet(both)).expect(password);
+    BoxAnswer::Box wrong = wrongPassword();
+    wrong.buttons = both;
+    bench.boxes.expect(wrong);
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        bench.say("$VRPWS,OK");
+        QTRY_COMPARE(bench.boxes.answered(), 2);
+        button(dialog, "pushButton_Lock")->click();
+        QTRY_COMPARE(bench.boxes.answered(), 3);
+        bench.say("$VRPWS,OK");
+        QTRY_COMPARE(bench.boxes.answered(), 4);
+        bench.say("$VRPWV,Harbour7");
+        QTRY_COMPARE(bench.boxes.answered(), 5);
+        setStatus(bench, true, 0);
+        setStatus(bench, true, 0);
+        QTRY_COMPARE(bench.boxes.answered(), 6);
+        QCOMPARE(dialog.findChildren<QMessageBox *>().size(), 1);
+    }));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    bench.boxes.expect(wrongPassword());
+    QVERIFY(bench.inService([&](servicedlg &) {
+        setStatus(bench, true, 0);
+        QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    }));
+}
+
+void tst_lock::changing()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, true, 2);
+    bench.onLine = [&](const QByteArray &sentence) {
+        if (sentence.startsWith("$VRPWS,"))
+            bench.line.write(checkedLine("$VRPWS,OK") + checkedLine("$VRLCK,1,2"));
+    };
+    bench.boxes.expect(passwordSet());
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        QVERIFY(inDialog<passwordDlg>(
+            button(dialog, "pushButton_Change_Password"),
+            [](passwordDlg &enter) { typeNew(enter, QStringLiteral("Harbour8")); }));
+        QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+        QCOMPARE(said(bench), QList<QByteArray>({checkedLine("$VRPWS,Harbour8")}));
+    }));
+    // Below the owner's level the slot does nothing, however it is called.
+    for (int level = 0; level <= 1; ++level) {
+        setStatus(bench, true, level);
+        QVERIFY(bench.inService([&](servicedlg &dialog) {
+            bench.forgetHeard();
+            dialog.slotChangePassword();
+            QVERIFY(!dialog.findChild<passwordDlg *>());
+        }));
+    }
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+void tst_lock::viewing()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, true, 5);
+    bench.onLine = [&](const QByteArray &sentence) {
+        if (sentence == "$VRPWV\r\n")
+            bench.say("$VRPWV,<b>Harbour7");
+    };
+    // Shown as it comes, and not as markup.
+    BoxAnswer::Box shown = {QStringLiteral("Lock password"),
+                            QStringLiteral("Current Lock Password: <b>Harbour7"),
+                            QMessageBox::Information, QMessageBox::Ok, QMessageBox::NoButton};
+    shown.whileOpen = [&](QMessageBox &box) {
+        QCOMPARE(box.parentWidget(), bench.serviceDialog());
+        QCOMPARE(box.textFormat(), Qt::PlainText);
+        box.accept();
+    };
+    bench.boxes.expect(shown);
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        bench.forgetHeard();
+        button(dialog, "pushButton_View_Password")->click();
+        QTRY_COMPARE(bench.boxes.answered(), 2);
+        QTRY_COMPARE(said(bench), QList<QByteArray>({"$VRPWV\r\n"}));
+    }));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+void tst_lock::cancelledDialogsSendNothing_data()
+{
+    QTest::addColumn<bool>("password");
+    QTest::addColumn<int>("level");
+    QTest::addColumn<QString>("name");
+
+    QTest::newRow("first password") << false << 0 << "pushButton_Lock";
+    QTest::newRow("unlock") << true << 0 << "pushButton_Lock";
+    QTest::newRow("change") << true << 2 << "pushButton_Change_Password";
+}
+
+void tst_lock::cancelledDialogsSendNothing()
+{
+    QFETCH(bool, password);
+    QFETCH(int, level);
+    QFETCH(QString, name);
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, password, level);
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        QVERIFY(inDialog<QDialog>(button(dialog, name.toLatin1().constData()), [](QDialog &enter) {
+            const QList<QLineEdit *> fields = enter.findChildren<QLineEdit *>();
+            for (QLineEdit *field : fields)
+                field->setText(QStringLiteral("Harbour7"));
+            button(enter, "pushButton_Cancel")->click();
+        }));
+        QCOMPARE(dialog.findChildren<QDialog *>().size(), 0);
+        bench.waitUntilHeard();
+        QTest::qWait(60);
+        QCOMPARE(said(bench), QList<QByteArray>());
+    }));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+// What comes in between has its own box: pressing Ok there deletes nothing.
+void tst_lock::statusUnderAnOpenQuestion()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, true, 2);
+    BoxAnswer::Box question = deleteQuestion(QMessageBox::NoButton);
+    question.whileOpen = [&](QMessageBox &box) {
+        bench.say("$VRPWS,OK");
+        QTRY_COMPARE(bench.boxes.answered(), 3);
+        bench.waitUntilHeard();
+        QVERIFY(box.isVisible());
+        QCOMPARE(box.text(), QStringLiteral("Are you sure want to delete the password?"));
+        box.reject();
+    };
+    bench.boxes.expect(question).expect(passwordSet());
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        button(dialog, "pushButton_Lock")->click();
+        bench.waitUntilHeard();
+        QCOMPARE(said(bench), QList<QByteArray>());
+    }));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+// Unlocked by other means while the password is being typed: what is sent is what was asked for,
+// and the question about deleting follows, since the level now allows it.
+void tst_lock::statusUnderAnOpenDialog()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, true, 0);
+    bench.boxes.expect(unlocked()).expect(deleteQuestion(QMessageBox::Cancel));
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        QVERIFY(inDialog<EnterPasswordDlg>(button(dialog, "pushButton_Lock"),
+                                           [&](EnterPasswordDlg &enter) {
+                                               setStatus(bench, true, 2);
+                                               QTRY_COMPARE(bench.boxes.answered(), 2);
+                                               typeUnlock(enter, QStringLiteral("Harbour7"));
+                                           }));
+        QTRY_COMPARE(said(bench), QList<QByteArray>({checkedLine("$VRPWU,Harbour7")}));
+    }));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+// Everything that the program prints in a session with passwords goes to a file, which has none.
+void tst_lock::passwordsStayOutOfTheOutput()
+{
+    QTemporaryFile output;
+    QVERIFY(output.open());
+    std::fflush(nullptr);
+    const int standardOutput = ::dup(STDOUT_FILENO);
+    const int standardError = ::dup(STDERR_FILENO);
+    ::dup2(output.handle(), STDOUT_FILENO);
+    ::dup2(output.handle(), STDERR_FILENO);
+    qWarning("printed");
+    int answered = 0;
+    QString report;
+    {
+        ScriptedBench bench;
+        bench.connectToRouter();
+        bench.onLine = [&](const QByteArray &sentence) {
+            if (sentence.startsWith("$VRPWS,"))
+                bench.line.write(checkedLine("$VRPWS,OK") + checkedLine("$VRLCK,1,5"));
+            else if (sentence.startsWith("$VRPWU,"))
+                bench.say("$VRLCK,1,0");
+            else if (sentence == "$VRPWV\r\n")
+                bench.say("$VRPWV,Secret123");
+        };
+        bench.boxes.expect(passwordSet())
+            .expect({QStringLiteral("Lock password"),
+                     QStringLiteral("Current Lock Password: Secret123"), QMessageBox::Information})
+            .expect(wrongPassword());
+        bench.inService([&](servicedlg &dialog) {
+            inDialog<passwordDlg>(button(dialog, "pushButton_Lock"), [](passwordDlg &enter) {
+                typeNew(enter, QStringLiteral("Secret123"));
+            });
+            QTRY_COMPARE(bench.boxes.answered(), 2);
+            bench.waitUntilHeard();
+            button(dialog, "pushButton_View_Password")->click();
+            QTRY_COMPARE(bench.boxes.answered(), 3);
+            setStatus(bench, true, 0);
+            inDialog<EnterPasswordDlg>(
+                button(dialog, "pushButton_Lock"),
+                [](EnterPasswordDlg &enter) { typeUnlock(enter, QStringLiteral("Secret124")); });
+            QTRY_COMPARE(bench.boxes.answered(), 4);
+        });
+        answered = bench.boxes.answered();
+        report = bench.boxes.report();
+    }
+    std::fflush(nullptr);
+    ::dup2(standardOutput, STDOUT_FILENO);
+    ::dup2(standardError, STDERR_FILENO);
+    ::close(standardOutput);
+    ::close(standardError);
+    QVERIFY2(answered == 4, qPrintable(report));
+    QFile file(output.fileName());
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray printed = file.readAll();
+    QVERIFY2(printed.contains("printed"), printed.constData());
+    QVERIFY2(!printed.contains("Secret"), printed.constData());
+}
+
+QTEST_MAIN(tst_lock)
+#include "tst_lock.moc"
