@@ -8,6 +8,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 
+#include <algorithm>
 #include <cstdio>
 
 using namespace tk7sim;
@@ -540,13 +541,34 @@ QString Tour::ruleFile() const
     return QDir(m_options.output).absoluteFilePath(QStringLiteral("rules.vrr"));
 }
 
+// The list of suggestions under the name may take the first Return for itself.
+void Tour::enterFileName(const QString &dialog)
+{
+    constexpr int settle = 500; // until the dialog has read its folder
+    constexpr int closeLimit = 1500;
+    constexpr int tries = 4;
+    m_tool.awaitWindow(dialog, boxLimit);
+    runFor(settle);
+    m_tool.desktop().type(ruleFile());
+    runFor(settle);
+    const auto isClosed = [&] {
+        const auto windows = m_tool.desktop().windowsOf(m_tool.processId());
+        return std::none_of(windows.begin(), windows.end(),
+                            [&](const auto &window) { return window.title == dialog; });
+    };
+    for (int i = 0; i < tries; ++i) {
+        m_tool.desktop().strike("Return");
+        if (waitUntil(isClosed, closeLimit))
+            return;
+    }
+    require(false, QStringLiteral("the dialog \"%1\" stays open").arg(dialog));
+}
+
 QString Tour::saveFile()
 {
     QFile::remove(ruleFile());
     m_tool.click(m_tool.map().saveToFile());
-    m_tool.awaitWindow(QStringLiteral("Save rules"), boxLimit);
-    m_tool.desktop().type(ruleFile());
-    m_tool.desktop().strike("Return");
+    enterFileName(QStringLiteral("Save rules"));
     QFile file(ruleFile());
     await([&] { return file.exists() && file.size() > 0; }, boxLimit,
           QStringLiteral("%1 isn't written").arg(ruleFile()));
@@ -574,9 +596,7 @@ QString Tour::returnInputs()
 QString Tour::loadFile()
 {
     m_tool.click(m_tool.map().loadFromFile());
-    m_tool.awaitWindow(QStringLiteral("Load rules"), boxLimit);
-    m_tool.desktop().type(ruleFile());
-    m_tool.desktop().strike("Return");
+    enterFileName(QStringLiteral("Load rules"));
     m_expected = m_saved;
     // Names have been given that only now reach the router.
     m_expected.inputNames[namedInput] = newName.toLatin1();

@@ -86,6 +86,7 @@ private:
     QImage label(const QRect &frame) const;
     void openEditor(const QRect &place);
     QString ruleFile() const;
+    void enterFileName(const QString &dialog);
 
     Options m_options;
     tk7sim::RouterSimulator m_spareRouter; // another router on the same machine, which stays alone
