@@ -62,7 +62,7 @@ public:
     // A file that was written before there were passwords has none.
     QByteArray password(const QJsonValue &value)
     {
-        const QByteArray text = value.toString().toLatin1();
+        QByteArray text = value.toString().toLatin1();
         const bool isGood = text.isEmpty() || LockStore::isPassword(text);
         m_ok = m_ok && isGood && (value.isString() || value.isUndefined());
         return text;

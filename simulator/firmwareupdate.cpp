@@ -1,6 +1,6 @@
 #include "simulator/firmwareupdate.h"
 
-#include <QTimer>
+#include <algorithm>
 
 namespace tk7sim {
 
@@ -16,13 +16,20 @@ QByteArray numbered(const char *head, int number)
 } // namespace
 
 FirmwareUpdate::FirmwareUpdate(const FaultSet *faults, QObject *parent)
-    : QObject(parent), m_faults(faults)
+    : QObject(parent), m_faults(faults), m_flashTimer(this), m_wordTimer(this)
 {
+    m_flashTimer.setInterval(defaultFlashDuration);
+    connect(&m_flashTimer, &QTimer::timeout, this, &FirmwareUpdate::slotFlashDone);
+    connect(&m_wordTimer, &QTimer::timeout, this, &FirmwareUpdate::slotWordDue);
+    for (QTimer *timer : {&m_flashTimer, &m_wordTimer}) {
+        timer->setSingleShot(true);
+        timer->setTimerType(Qt::PreciseTimer);
+    }
 }
 
 void FirmwareUpdate::start()
 {
-    ++m_attempt;
+    forgetPlans();
     m_image = FirmwareImage();
     m_state = State::Preparing;
     if (m_faults->has(Fault::FwRefuse)) {
@@ -33,7 +40,26 @@ void FirmwareUpdate::start()
         return;
     }
     emit started();
-    after(m_flashDuration, [this] { sayReady(); });
+    startFlash(State::Preparing);
+}
+
+void FirmwareUpdate::startFlash(State state)
+{
+    m_state = state;
+    if (m_flashTimer.interval() > 0) {
+        m_flashTimer.start();
+    } else {
+        slotFlashDone();
+    }
+}
+
+void FirmwareUpdate::slotFlashDone()
+{
+    if (m_state == State::Preparing) {
+        sayReady();
+    } else if (m_state == State::Checking) {
+        sayChecked();
+    }
 }
 
 void FirmwareUpdate::sayReady()
@@ -93,8 +119,7 @@ void FirmwareUpdate::finish()
     if (m_state != State::Receiving || isTroubledAt(m_image.nextPacket())) {
         return;
     }
-    m_state = State::Checking;
-    after(m_flashDuration, [this] { sayChecked(); });
+    startFlash(State::Checking);
 }
 
 void FirmwareUpdate::sayChecked()
@@ -126,8 +151,16 @@ bool FirmwareUpdate::apply()
 
 void FirmwareUpdate::abort()
 {
-    ++m_attempt;
+    forgetPlans();
     m_state = State::Idle;
+}
+
+// What was put off in one update isn't done in the next.
+void FirmwareUpdate::forgetPlans()
+{
+    m_flashTimer.stop();
+    m_wordTimer.stop();
+    m_words.clear();
 }
 
 void FirmwareUpdate::fail(int code)
@@ -155,26 +188,32 @@ bool FirmwareUpdate::isTroubledAt(int place)
 
 void FirmwareUpdate::sayLate(const QByteArray &body, SentenceForm form)
 {
-    after(static_cast<int>(m_faults->value(Fault::FwLate)),
-          [this, body, form] { emit said(body, form); });
+    const auto late = static_cast<int>(m_faults->value(Fault::FwLate));
+    if (late == 0 && m_words.isEmpty()) {
+        emit said(body, form);
+        return;
+    }
+    m_words.enqueue({body, form, QDeadlineTimer(late, Qt::PreciseTimer)});
+    if (!m_wordTimer.isActive()) {
+        m_wordTimer.start(late);
+    }
+}
+
+void FirmwareUpdate::slotWordDue()
+{
+    while (!m_words.isEmpty() && m_words.constFirst().due.hasExpired()) {
+        const Word word = m_words.dequeue();
+        emit said(word.body, word.form);
+    }
+    if (!m_words.isEmpty()) {
+        m_wordTimer.start(
+            static_cast<int>(std::max<qint64>(m_words.constFirst().due.remainingTime(), 1)));
+    }
 }
 
 bool FirmwareUpdate::isFaultAt(Fault fault, int packet) const
 {
     return m_faults->has(fault) && static_cast<int>(m_faults->value(fault)) == packet;
-}
-
-template <typename Step> void FirmwareUpdate::after(int milliseconds, Step step)
-{
-    if (milliseconds <= 0) {
-        step();
-        return;
-    }
-    QTimer::singleShot(milliseconds, Qt::PreciseTimer, this, [this, step, attempt = m_attempt] {
-        if (attempt == m_attempt) {
-            step();
-        }
-    });
 }
 
 } // namespace tk7sim

@@ -5,7 +5,10 @@
 #include "simulator/sentence.h"
 
 #include <QByteArray>
+#include <QDeadlineTimer>
 #include <QObject>
+#include <QQueue>
+#include <QTimer>
 
 namespace tk7sim {
 
@@ -26,7 +29,7 @@ public:
     explicit FirmwareUpdate(const FaultSet *faults, QObject *parent = nullptr);
 
     //! Milliseconds for making the flash memory ready, and for checking what was written.
-    void setFlashDuration(int milliseconds) { m_flashDuration = milliseconds; }
+    void setFlashDuration(int milliseconds) { m_flashTimer.setInterval(milliseconds); }
 
     //! The tool wants to begin.
     void start();
@@ -66,6 +69,17 @@ private:
         Complete   // a firmware lies ready
     };
 
+    struct Word
+    {
+        QByteArray body;
+        SentenceForm form;
+        QDeadlineTimer due;
+    };
+
+    void slotFlashDone();
+    void slotWordDue();
+    void forgetPlans();
+    void startFlash(State state);
     void sayReady();
     void acknowledge(int packet);
     void sayChecked();
@@ -73,14 +87,14 @@ private:
     bool isTroubledAt(int place);
     void sayLate(const QByteArray &body, SentenceForm form = SentenceForm::Checked);
     bool isFaultAt(Fault fault, int packet) const;
-    template <typename Step> void after(int milliseconds, Step step);
 
     const FaultSet *m_faults;
-    int m_flashDuration = defaultFlashDuration;
     State m_state = State::Idle;
-    int m_attempt = 0; // what was put off in one attempt isn't done in the next
     FirmwareImage m_image;
     FirmwareImage m_whole;
+    QTimer m_flashTimer;
+    QQueue<Word> m_words; // put off, in the order in which they are due
+    QTimer m_wordTimer;
 };
 
 } // namespace tk7sim

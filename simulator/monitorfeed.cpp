@@ -33,7 +33,7 @@ void MonitorFeed::setRate(double rate)
 
 QByteArray MonitorFeed::takeLine()
 {
-    const QByteArray line = m_waiting.dequeue();
+    QByteArray line = m_waiting.dequeue();
     m_waitingBytes -= line.size();
     return line;
 }

@@ -74,9 +74,6 @@ RouterCore::RouterCore(const FaultSet *faults, QObject *parent)
 
 void RouterCore::hear(const QByteArray &line)
 {
-    if (isRebooting()) {
-        return;
-    }
     if (m_silenceTimer.isActive()) {
         m_silenceTimer.start();
     }

@@ -75,7 +75,7 @@ public:
     void endConnection();
     //! Power off and on: a write in progress is lost, too.
     void restart();
-    //! True while the router starts with a new firmware; it hears and says nothing then.
+    //! True while the router starts with a new firmware; it is told nothing then.
     bool isRebooting() const { return m_rebootTimer.isActive(); }
     void setRebootDuration(int milliseconds) { m_rebootTimer.setInterval(milliseconds); }
 

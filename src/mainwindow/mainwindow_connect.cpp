@@ -7,6 +7,7 @@
 #include "ui_mainwindow.h"
 
 #include <QListWidget>
+#include <QProgressBar>
 #include <QProgressDialog>
 #include <QTimer>
 
@@ -85,8 +86,13 @@ void MainWindow::makeProgressDialog()
 
 void MainWindow::slotProgress(int progress)
 {
-    if (progress_dialog)
-        progress_dialog->setValue(progress);
+    if (!progress_dialog)
+        return;
+    // The bar itself: QProgressDialog::setValue() of a modal dialog runs the event loop, in which
+    // the handshake can end and the dialog go.
+    progress_dialog->findChild<QProgressBar *>()->setValue(progress);
+    if (progress >= progressMaximum)
+        progress_dialog->hide();
 }
 
 void MainWindow::closeProgressDialog()

@@ -17,10 +17,6 @@ namespace {
 constexpr int filterHalf = 6; // channels of one filter sentence
 constexpr int listPart = 8;   // slots of one sentence of the list of names
 
-// The first firmware whose channels know the smart function AIS.
-constexpr quint32 aisFirmwareMajor = 3;
-constexpr quint32 aisFirmwareMinor = 5;
-
 static_assert(SentenceList::size == FilterSlotCount, "the editor works on the whole list");
 
 } // namespace
@@ -180,9 +176,5 @@ bool MainWindow::editSmartFunction(int channel)
 // Not connected, the firmware that will get the rules is not known: everything is on offer.
 bool MainWindow::allowsSmartAis() const
 {
-    if (!connected)
-        return true;
-    if (!version_known)
-        return false;
-    return fw_msb > aisFirmwareMajor || (fw_msb == aisFirmwareMajor && fw_lsb >= aisFirmwareMinor);
+    return !connected || supports(routerVersion(), RouterFunction::SmartAis);
 }

@@ -14,6 +14,7 @@ constexpr Gate gates[] = {
     {RouterFunction::Statistics, 3, 1},     //
     {RouterFunction::FirmwareUpdate, 3, 0}, //
     {RouterFunction::AisTest, 3, 4},        //
+    {RouterFunction::SmartAis, 3, 5},       //
     {RouterFunction::ModeChange, 4, 0},     //
 };
 

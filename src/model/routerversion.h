@@ -16,6 +16,7 @@ enum class RouterFunction {
     Statistics,     //!< the counters of the ports, the chip identifier, setting a lock password
     FirmwareUpdate, //!< loading another firmware
     AisTest,        //!< $VRATM
+    SmartAis,       //!< the smart function AIS of a channel
     ModeChange      //!< $VRMOD to the router
 };
 

@@ -17,25 +17,25 @@ void tst_routerversion::functions_data()
     QTest::addColumn<bool>("isKnown");
     QTest::addColumn<uint>("major");
     QTest::addColumn<uint>("minor");
-    QTest::addColumn<QList<bool>>("has"); // service, statistics, firmware update, AIS test, mode
+    QTest::addColumn<QList<bool>>("has"); // in the order of functions()
 
     const auto add = [](const char *name, bool known, uint major, uint minor,
                         const QList<bool> &has) {
         QTest::newRow(name) << known << major << minor << has;
     };
-    add("0.0", true, 0, 0, {false, false, false, false, false});
-    add("2.9", true, 2, 9, {false, false, false, false, false});
-    add("2.4294967295", true, 2, 4294967295u, {false, false, false, false, false});
-    add("3.0", true, 3, 0, {true, false, true, false, false});
-    add("3.1", true, 3, 1, {true, true, true, false, false});
-    add("3.3", true, 3, 3, {true, true, true, false, false});
-    add("3.4", true, 3, 4, {true, true, true, true, false});
-    add("3.5", true, 3, 5, {true, true, true, true, false});
-    add("3.10", true, 3, 10, {true, true, true, true, false});
-    add("4.0", true, 4, 0, {true, true, true, true, true});
-    add("10.0", true, 10, 0, {true, true, true, true, true});
-    add("unknown", false, 0, 0, {false, false, false, false, false});
-    add("unknown, whatever the numbers", false, 4, 0, {false, false, false, false, false});
+    add("0.0", true, 0, 0, {false, false, false, false, false, false});
+    add("2.9", true, 2, 9, {false, false, false, false, false, false});
+    add("2.4294967295", true, 2, 4294967295u, {false, false, false, false, false, false});
+    add("3.0", true, 3, 0, {true, false, true, false, false, false});
+    add("3.1", true, 3, 1, {true, true, true, false, false, false});
+    add("3.3", true, 3, 3, {true, true, true, false, false, false});
+    add("3.4", true, 3, 4, {true, true, true, true, false, false});
+    add("3.5", true, 3, 5, {true, true, true, true, true, false});
+    add("3.10", true, 3, 10, {true, true, true, true, true, false});
+    add("4.0", true, 4, 0, {true, true, true, true, true, true});
+    add("10.0", true, 10, 0, {true, true, true, true, true, true});
+    add("unknown", false, 0, 0, {false, false, false, false, false, false});
+    add("unknown, whatever the numbers", false, 4, 0, {false, false, false, false, false, false});
 }
 
 void tst_routerversion::functions()
@@ -47,7 +47,7 @@ void tst_routerversion::functions()
     QList<bool> found;
     for (const auto function :
          {RouterFunction::Service, RouterFunction::Statistics, RouterFunction::FirmwareUpdate,
-          RouterFunction::AisTest, RouterFunction::ModeChange}) {
+          RouterFunction::AisTest, RouterFunction::SmartAis, RouterFunction::ModeChange}) {
         found += supports(version, function);
     }
     QTEST(found, "has");

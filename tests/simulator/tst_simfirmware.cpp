@@ -1,4 +1,4 @@
-#include "simulator/firmwareimage.h"
+#include "simulator/firmwareupdate.h"
 #include "simulator/routersimulator.h"
 #include "simulator/sentence.h"
 
@@ -40,6 +40,9 @@ private slots:
     void beginsAnew();
     void leftoversAreIgnored();
     void lateWordsAreForgotten();
+    void forgottenPlansRunNoTimer();
+    void flashTakesItsTime();
+    void packetBeforeItIsReady();
     void endOfConnectionEndsIt();
     void hearsNothingWhileItReboots();
     void showsNoTraffic();
@@ -518,6 +521,53 @@ void TestSimFirmware::lateWordsAreForgotten()
     QCOMPARE(nextWord(), ready);
     QCOMPARE(ask(packet(image, 1)), acknowledgement(1));
     QCOMPARE(m_tool->lines().size(), 3);
+}
+
+void TestSimFirmware::forgottenPlansRunNoTimer()
+{
+    FaultSet faults;
+    FirmwareUpdate update(&faults);
+    const auto isWaiting = [&] {
+        const auto timers = update.findChildren<QTimer *>();
+        return std::any_of(timers.cbegin(), timers.cend(),
+                           [](const QTimer *timer) { return timer->isActive(); });
+    };
+    update.setFlashDuration(60000);
+    update.start();
+    QVERIFY(isWaiting());
+    update.abort();
+    QVERIFY(!isWaiting());
+    update.setFlashDuration(0);
+    faults.set(Fault::FwLate, 60000);
+    update.start();
+    QVERIFY(isWaiting());
+    update.abort();
+    QVERIFY(!isWaiting());
+}
+
+void TestSimFirmware::flashTakesItsTime()
+{
+    constexpr int duration = 100;
+    m_router->setFlashDuration(duration);
+    const QByteArray image = makeImage(20);
+    qint64 begin = RouterSimulator::now();
+    QCOMPARE(ask(start), ready);
+    QVERIFY(RouterSimulator::now() - begin >= duration * 1000);
+    QCOMPARE(ask(packet(image, 1)), acknowledgement(1));
+    begin = RouterSimulator::now();
+    QCOMPARE(ask(end), whole);
+    QVERIFY(RouterSimulator::now() - begin >= duration * 1000);
+}
+
+void TestSimFirmware::packetBeforeItIsReady()
+{
+    m_router->setFlashDuration(60000);
+    say(start);
+    QVERIFY(m_router->isUpdating());
+    QCOMPARE(ask(packet(makeImage(20), 1)), error(2));
+    QVERIFY(!m_router->isUpdating());
+    m_router->setFlashDuration(0);
+    QCOMPARE(upload(makeImage(20)).constLast(), whole);
 }
 
 void TestSimFirmware::endOfConnectionEndsIt()
