@@ -541,27 +541,39 @@ QString Tour::ruleFile() const
     return QDir(m_options.output).absoluteFilePath(QStringLiteral("rules.vrr"));
 }
 
-// The list of suggestions under the name may take the first Return for itself.
-void Tour::enterFileName(const QString &dialog)
+// The list of suggestions under the name may take a Return for itself, and a folder that is still
+// being read may change what was typed: so the name is typed afresh at every try.
+void Tour::enterFileName(const QString &title)
 {
-    constexpr int settle = 500; // until the dialog has read its folder
+    constexpr int settle = 500; // until the dialog has read its folder, or shown its suggestions
     constexpr int closeLimit = 1500;
-    constexpr int tries = 4;
-    m_tool.awaitWindow(dialog, boxLimit);
-    runFor(settle);
-    m_tool.desktop().type(ruleFile());
-    runFor(settle);
+    constexpr int tries = 6;
+    XDesktop &desktop = m_tool.desktop();
+    const quint32 dialog = m_tool.awaitWindow(title, boxLimit).id;
     const auto isClosed = [&] {
-        const auto windows = m_tool.desktop().windowsOf(m_tool.processId());
+        const auto windows = desktop.windowsOf(m_tool.processId());
         return std::none_of(windows.begin(), windows.end(),
-                            [&](const auto &window) { return window.title == dialog; });
+                            [&](const auto &window) { return window.id == dialog; });
     };
+    const auto hasKeys = [&] { return desktop.focusWindow() == dialog; };
     for (int i = 0; i < tries; ++i) {
-        m_tool.desktop().strike("Return");
+        runFor(settle);
+        if (!hasKeys())
+            desktop.strike("Escape"); // a box that says that there is no such file
+        if (!waitUntil(hasKeys, closeLimit))
+            continue;
+        desktop.strike("a", "Control_L");
+        desktop.type(ruleFile());
+        runFor(settle);
+        desktop.strike("Return");
+        if (waitUntil(isClosed, closeLimit))
+            return;
+        if (hasKeys())
+            desktop.strike("Return");
         if (waitUntil(isClosed, closeLimit))
             return;
     }
-    require(false, QStringLiteral("the dialog \"%1\" stays open").arg(dialog));
+    require(false, QStringLiteral("the dialog \"%1\" stays open").arg(title));
 }
 
 QString Tour::saveFile()

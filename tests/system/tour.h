@@ -86,7 +86,7 @@ private:
     QImage label(const QRect &frame) const;
     void openEditor(const QRect &place);
     QString ruleFile() const;
-    void enterFileName(const QString &dialog);
+    void enterFileName(const QString &title);
 
     Options m_options;
     tk7sim::RouterSimulator m_spareRouter; // another router on the same machine, which stays alone

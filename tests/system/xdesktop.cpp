@@ -49,9 +49,15 @@ public:
         require(XTestQueryExtension(display, &event, &error, &major, &minor),
                 QStringLiteral("the display has no XTest"));
         root = DefaultRootWindow(display);
+        // On a busy machine a key may be let go of late, and a hand would have typed it once.
+        XAutoRepeatOff(display);
     }
 
-    ~Private() { XCloseDisplay(display); }
+    ~Private()
+    {
+        XAutoRepeatOn(display);
+        XCloseDisplay(display);
+    }
 
     Private(const Private &) = delete;
     Private &operator=(const Private &) = delete;
