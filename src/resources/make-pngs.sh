@@ -1,6 +1,7 @@
 #!/bin/sh
-# Makes every PNG in icons/ from its drawing in svg/. Needs rsvg-convert (Debian: librsvg2-bin).
-# The PNGs are checked in, so that a build doesn't need it: run this after changing a drawing.
+# Makes every PNG in icons/ from its drawing in svg/, and the icon of the Windows program of them.
+# Needs rsvg-convert and convert (Debian: librsvg2-bin, imagemagick). What it makes is checked in, so
+# that a build needs neither: run this after changing a drawing.
 set -eu
 cd "$(dirname "$0")"
 
@@ -25,3 +26,5 @@ for size in $LARGE_SIZES; do
     render tk7-control "$size" "$size" "tk7-control-$size"
 done
 cp icons/tk7-control-256.png icons/tk7-control.png
+convert icons/tk7-control-16.png icons/tk7-control-24.png icons/tk7-control-32.png \
+    icons/tk7-control-48.png icons/tk7-control-256.png icons/tk7-control.ico
