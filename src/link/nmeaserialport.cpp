@@ -107,6 +107,17 @@ QChar listSeparator(int index, int count)
     return index == count - 1 ? star : comma;
 }
 
+// Hands the texts of a list of `count` to take(index, text), until one is missing or `take` is
+// false.
+template <typename Take> void readList(FieldReader &fields, int count, Take take)
+{
+    for (int i = 0; i < count; ++i) {
+        QStringRef text;
+        if (!fields.cut(listSeparator(i, count), text) || !take(i, text))
+            return;
+    }
+}
+
 } // namespace
 
 enum class Shape {
@@ -242,8 +253,7 @@ void NmeaSerialPort::releaseTimer(QTimer *&timer)
 // run on, so the search or the watch ends the connection at its own time.
 void NmeaSerialPort::releaseLostPort()
 {
-    if (isPortOpen())
-        serial->close();
+    serial->close();
 }
 
 bool NmeaSerialPort::isPortOpen() const
@@ -524,7 +534,7 @@ void NmeaSerialPort::parseFilterMasks(const QString &str)
 // $VRPNM,t,first,n0,n1,n2,n3,n4,n5*hh
 void NmeaSerialPort::parsePortNames(const QString &str)
 {
-    constexpr quint32 namesPerSentence = 6;
+    constexpr int namesPerSentence = 6;
     FieldReader fields(str);
     QStringRef type;
     quint32 first = 0;
@@ -536,12 +546,10 @@ void NmeaSerialPort::parsePortNames(const QString &str)
     if (!fields.cutNumber(comma, first) || (first != 0 && first != namesPerSentence))
         return;
     const QPointer<NmeaSerialPort> self(this);
-    for (quint32 i = 0; self && i < namesPerSentence; ++i) {
-        QStringRef name;
-        if (!fields.cut(listSeparator(int(i), namesPerSentence), name))
-            return;
-        emit signalVRNewPortName(isOutput, quint8(first + i), name.toString());
-    }
+    readList(fields, namesPerSentence, [&](int i, const QStringRef &name) {
+        emit signalVRNewPortName(isOutput, quint8(first + quint32(i)), name.toString());
+        return !self.isNull();
+    });
 }
 
 // $VRHDC,port,x,h0,h1,...,h11*hh
@@ -553,34 +561,30 @@ void NmeaSerialPort::parseHeaders(const QString &str)
     if (!fields.cutNumber(comma, port) || !fields.skip(comma) || !fields.rest().contains(star))
         return;
     const QPointer<NmeaSerialPort> self(this);
-    for (int channel = 0; self && channel < channelCount; ++channel) {
-        QStringRef header;
-        if (!fields.cut(listSeparator(channel, channelCount), header))
-            return;
+    readList(fields, channelCount, [&](int channel, const QStringRef &header) {
         if (!header.isEmpty() && header.size() != headerLength)
-            return;
+            return false;
         emit signalVRNewHdr(quint8(port), channel, header.toString());
-    }
+        return !self.isNull();
+    });
 }
 
 // $VRFLS,first,s0,s1,...,s7*hh
 void NmeaSerialPort::parseFilterList(const QString &str)
 {
-    constexpr quint32 namesPerSentence = 8;
+    constexpr int namesPerSentence = 8;
     constexpr int formatterLength = 3;
     FieldReader fields(str);
     quint32 first = 0;
     if (!fields.cutNumber(comma, first) || !fields.rest().contains(star))
         return;
     const QPointer<NmeaSerialPort> self(this);
-    for (quint32 i = 0; self && i < namesPerSentence; ++i) {
-        QStringRef formatter;
-        if (!fields.cut(listSeparator(int(i), namesPerSentence), formatter))
-            return;
+    readList(fields, namesPerSentence, [&](int i, const QStringRef &formatter) {
         if (!formatter.isEmpty() && formatter.size() != formatterLength)
-            return;
-        emit signalVRNewFilterStr(quint8(first + i), formatter.toString());
-    }
+            return false;
+        emit signalVRNewFilterStr(quint8(first + quint32(i)), formatter.toString());
+        return !self.isNull();
+    });
 }
 
 // $VRVER,msb.lsb*hh
