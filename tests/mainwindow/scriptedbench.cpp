@@ -10,6 +10,8 @@
 #include <QPointer>
 #include <QPushButton>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int longestWait = 10000; // ms
@@ -95,6 +97,16 @@ QList<QByteArray> ScriptedBench::heard() const
         if (line.lines().at(i).text != "$VRCNC\r\n")
             sentences += line.lines().at(i).text;
     }
+    return sentences;
+}
+
+QList<QByteArray> ScriptedBench::commands() const
+{
+    QList<QByteArray> sentences = heard();
+    const auto isPoll = [](const QByteArray &sentence) {
+        return sentence.startsWith("$VRSTA") || sentence.startsWith("$VRSER");
+    };
+    sentences.erase(std::remove_if(sentences.begin(), sentences.end(), isPoll), sentences.end());
     return sentences;
 }
 

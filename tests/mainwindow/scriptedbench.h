@@ -51,6 +51,8 @@ public:
 
     /*! What the tool has said since forgetHeard(), without its watch queries. */
     QList<QByteArray> heard() const;
+    /*! The same without what the service dialog asks by itself: statistics and chip identifier. */
+    QList<QByteArray> commands() const;
     void forgetHeard() { m_forgotten = line.lines().size(); }
 
     /*! Lets the watch find out at once that the router is silent. */

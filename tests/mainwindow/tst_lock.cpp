@@ -168,18 +168,6 @@ bool inLabelDialog(ScriptedBench &bench, const std::function<void(EnterPasswordD
     return hasCome;
 }
 
-// What the tool has said of the lock since the opening of the service dialog.
-QList<QByteArray> said(const ScriptedBench &bench)
-{
-    QList<QByteArray> sentences;
-    const QList<QByteArray> heard = bench.heard();
-    for (const QByteArray &sentence : heard) {
-        if (!sentence.startsWith("$VRSTA") && !sentence.startsWith("$VRSER"))
-            sentences += sentence;
-    }
-    return sentences;
-}
-
 } // namespace
 
 void tst_lock::statusPanel_data()
@@ -264,7 +252,7 @@ void tst_lock::clickOnTheLabel()
     const bool asked = inLabelDialog(bench, [](EnterPasswordDlg &) {});
     QTEST(asked, "asks");
     bench.waitUntilHeard();
-    QTRY_COMPARE(said(bench), sent);
+    QTRY_COMPARE(bench.commands(), sent);
 }
 
 void tst_lock::labelUnlocks()
@@ -276,7 +264,7 @@ void tst_lock::labelUnlocks()
         QCOMPARE(dialog.parentWidget(), &bench.window);
         typeUnlock(dialog, QStringLiteral("Harbour7"));
     }));
-    QTRY_COMPARE(said(bench), QList<QByteArray>({checkedLine("$VRPWU,Harbour7")}));
+    QTRY_COMPARE(bench.commands(), QList<QByteArray>({checkedLine("$VRPWU,Harbour7")}));
     setStatus(bench, true, 2);
     QCOMPARE(bench.find<QClickLabel>("label_lock")->text(), QStringLiteral("UNLOCK"));
     QVERIFY(!bench.window.findChild<EnterPasswordDlg *>());
@@ -293,7 +281,7 @@ void tst_lock::labelCancels()
         button(dialog, "pushButton_Cancel")->click();
     }));
     bench.waitUntilHeard();
-    QCOMPARE(said(bench), QList<QByteArray>());
+    QCOMPARE(bench.commands(), QList<QByteArray>());
 }
 
 void tst_lock::labelRefusesABadPassword()
@@ -311,7 +299,7 @@ void tst_lock::labelRefusesABadPassword()
         typeUnlock(dialog, QStringLiteral("without"));
         QVERIFY(!dialog.isVisible());
     }));
-    QTRY_COMPARE(said(bench), QList<QByteArray>({checkedLine("$VRPWU,without")}));
+    QTRY_COMPARE(bench.commands(), QList<QByteArray>({checkedLine("$VRPWU,without")}));
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
 
@@ -511,7 +499,7 @@ void tst_lock::firstPassword()
             QCOMPARE(enter.parentWidget(), &dialog);
             typeNew(enter, QStringLiteral("Harbour7"));
         }));
-        QTRY_COMPARE(said(bench), QList<QByteArray>({checkedLine("$VRPWS,Harbour7")}));
+        QTRY_COMPARE(bench.commands(), QList<QByteArray>({checkedLine("$VRPWS,Harbour7")}));
         QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
         bench.waitUntilHeard();
         QCOMPARE(button(dialog, "pushButton_Lock")->text(), QStringLiteral("Delete\nPassword"));
@@ -612,7 +600,7 @@ void tst_lock::passwordsKeepTheirCase()
     QVERIFY(bench.inService([&](servicedlg &dialog) {
         QVERIFY(inDialog<passwordDlg>(button(dialog, "pushButton_Lock"),
                                       [&](passwordDlg &enter) { typeNew(enter, password); }));
-        QTRY_COMPARE(said(bench), QList<QByteArray>({sentence}));
+        QTRY_COMPARE(bench.commands(), QList<QByteArray>({sentence}));
     }));
 }
 
@@ -633,7 +621,7 @@ void tst_lock::unlocking()
                                                typeUnlock(enter, QStringLiteral("Harbour7"));
                                            }));
         QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-        QCOMPARE(said(bench), QList<QByteArray>({checkedLine("$VRPWU,Harbour7")}));
+        QCOMPARE(bench.commands(), QList<QByteArray>({checkedLine("$VRPWU,Harbour7")}));
         QVERIFY(!dialog.findChild<EnterPasswordDlg *>());
     }));
 }
@@ -690,7 +678,7 @@ void tst_lock::deleting()
         bench.waitUntilHeard();
         QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
         const QList<QByteArray> sentences = {"$VRPWD\r\n"};
-        QCOMPARE(said(bench), confirm ? sentences : QList<QByteArray>());
+        QCOMPARE(bench.commands(), confirm ? sentences : QList<QByteArray>());
         QCOMPARE(button(dialog, "pushButton_Lock")->text(),
                  confirm ? QStringLiteral("LOCK") : QStringLiteral("Delete\nPassword"));
     }));
@@ -749,7 +737,7 @@ void tst_lock::changing()
             button(dialog, "pushButton_Change_Password"),
             [](passwordDlg &enter) { typeNew(enter, QStringLiteral("Harbour8")); }));
         QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-        QCOMPARE(said(bench), QList<QByteArray>({checkedLine("$VRPWS,Harbour8")}));
+        QCOMPARE(bench.commands(), QList<QByteArray>({checkedLine("$VRPWS,Harbour8")}));
     }));
     // Below the owner's level the slot does nothing, however it is called.
     for (int level = 0; level <= 1; ++level) {
@@ -786,7 +774,7 @@ void tst_lock::viewing()
         bench.forgetHeard();
         button(dialog, "pushButton_View_Password")->click();
         QTRY_COMPARE(bench.boxes.answered(), 2);
-        QTRY_COMPARE(said(bench), QList<QByteArray>({"$VRPWV\r\n"}));
+        QTRY_COMPARE(bench.commands(), QList<QByteArray>({"$VRPWV\r\n"}));
     }));
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
@@ -820,7 +808,7 @@ void tst_lock::cancelledDialogsSendNothing()
         QCOMPARE(dialog.findChildren<QDialog *>().size(), 0);
         bench.waitUntilHeard();
         QTest::qWait(60);
-        QCOMPARE(said(bench), QList<QByteArray>());
+        QCOMPARE(bench.commands(), QList<QByteArray>());
     }));
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
@@ -844,7 +832,7 @@ void tst_lock::statusUnderAnOpenQuestion()
     QVERIFY(bench.inService([&](servicedlg &dialog) {
         button(dialog, "pushButton_Lock")->click();
         bench.waitUntilHeard();
-        QCOMPARE(said(bench), QList<QByteArray>());
+        QCOMPARE(bench.commands(), QList<QByteArray>());
     }));
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
@@ -864,7 +852,7 @@ void tst_lock::statusUnderAnOpenDialog()
                                                QTRY_COMPARE(bench.boxes.answered(), 2);
                                                typeUnlock(enter, QStringLiteral("Harbour7"));
                                            }));
-        QTRY_COMPARE(said(bench), QList<QByteArray>({checkedLine("$VRPWU,Harbour7")}));
+        QTRY_COMPARE(bench.commands(), QList<QByteArray>({checkedLine("$VRPWU,Harbour7")}));
     }));
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }

@@ -1,11 +1,10 @@
-#include "matrixview.h"
+#include "matrixwindows.h"
 
 #include <QComboBox>
 #include <QFrame>
 #include <QSignalSpy>
 
 #include <functional>
-#include <memory>
 
 namespace {
 
@@ -172,10 +171,8 @@ private slots:
     void nothingIsSentBeforeTheConnectionStands();
 
 private:
-    // A window that is not connected, made anew for each test that asks for it.
-    MainWindow *fresh();
-    // The window that is connected, its matrix emptied for each test that asks for it.
-    ConnectedMatrix *connected();
+    MainWindow *fresh() { return m_windows.fresh(); }
+    ConnectedMatrix *connected() { return m_windows.connected(); }
     MainWindow &window() { return connected()->window(); }
     const ChannelRecord &record(int port, int channel)
     {
@@ -184,44 +181,19 @@ private:
     // Brings the fresh window's model to the screen as the end of a download does.
     void refresh();
 
-    std::unique_ptr<ConnectedMatrix> m_connected;
-    std::unique_ptr<MainWindow> m_fresh;
-    bool m_isReset = false;
+    MatrixWindows m_windows;
 };
-
-MainWindow *TestMatrix::fresh()
-{
-    if (!m_fresh) {
-        m_fresh = std::make_unique<MainWindow>();
-        m_fresh->resize(853, 1000); // the screen may be too low for the whole matrix
-        m_fresh->show();
-    }
-    return m_fresh.get();
-}
-
-ConnectedMatrix *TestMatrix::connected()
-{
-    if (!m_connected)
-        m_connected = std::make_unique<ConnectedMatrix>();
-    if (!m_isReset)
-        m_connected->reset();
-    m_isReset = true;
-    return m_connected.get();
-}
 
 void TestMatrix::cleanup()
 {
-    m_fresh.reset();
-    m_isReset = false;
-    if (!m_connected)
-        return;
-    QVERIFY2(m_connected->bench.boxes.isDone(), qPrintable(m_connected->bench.boxes.report()));
-    QVERIFY(m_connected->window().isConnected());
+    m_windows.endTest();
+    const QString problem = m_windows.problem();
+    QVERIFY2(problem.isEmpty(), qPrintable(problem));
 }
 
 void TestMatrix::cleanupTestCase()
 {
-    m_connected.reset();
+    m_windows.disconnect();
 }
 
 void TestMatrix::refresh()
@@ -1116,7 +1088,7 @@ void TestMatrix::unknownSenders()
 // The link is open while it looks for the router, so a line queued too early would go out later.
 void TestMatrix::nothingIsSentBeforeTheConnectionStands()
 {
-    m_connected.reset(); // two benches would answer each other's boxes
+    m_windows.disconnect(); // two benches would answer each other's boxes
     WindowBench bench;
     tk7sim::RouterConfig config;
     config.speeds[6] = 38400; // the speed that is chosen below, so the download changes none

@@ -56,17 +56,6 @@ void enter(const modeDlg &dialog, const QString &mode)
     button(dialog, "pushButton_Ok")->click();
 }
 
-QList<QByteArray> modesSent(const ScriptedBench &bench)
-{
-    QList<QByteArray> sentences;
-    const QList<QByteArray> heard = bench.heard();
-    for (const QByteArray &sentence : heard) {
-        if (!sentence.startsWith("$VRSTA") && !sentence.startsWith("$VRSER"))
-            sentences += sentence;
-    }
-    return sentences;
-}
-
 } // namespace
 
 void tst_mode::byVersionAndLevel_data()
@@ -141,7 +130,7 @@ void tst_mode::sendsTheModeAsTyped()
     QVERIFY(bench.inService([&](servicedlg &dialog) {
         QVERIFY(inDialog<modeDlg>(button(dialog, "pushButton_Change_Mode"),
                                   [&](modeDlg &window) { enter(window, mode); }));
-        QTRY_COMPARE(modesSent(bench), QList<QByteArray>({sentence}));
+        QTRY_COMPARE(bench.commands(), QList<QByteArray>({sentence}));
     }));
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
@@ -174,7 +163,7 @@ void tst_mode::refusedModesStayInTheDialog()
             QVERIFY(window.isVisible());
             enter(window, QStringLiteral("ok"));
         }));
-        QTRY_COMPARE(modesSent(bench), QList<QByteArray>({checkedLine("$VRMOD,ok")}));
+        QTRY_COMPARE(bench.commands(), QList<QByteArray>({checkedLine("$VRMOD,ok")}));
     }));
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
@@ -191,7 +180,7 @@ void tst_mode::cancelSendsNothing()
         }));
         bench.waitUntilHeard();
         QTest::qWait(60);
-        QCOMPARE(modesSent(bench), QList<QByteArray>());
+        QCOMPARE(bench.commands(), QList<QByteArray>());
     }));
 }
 
@@ -206,7 +195,7 @@ void tst_mode::noAnswerIsAwaited()
         const QString before = label->text();
         QVERIFY(inDialog<modeDlg>(button(dialog, "pushButton_Change_Mode"),
                                   [](modeDlg &window) { enter(window, QStringLiteral("DAY")); }));
-        QTRY_COMPARE(modesSent(bench).size(), 1);
+        QTRY_COMPARE(bench.commands().size(), 1);
         QCOMPARE(label->text(), before);
         bench.say("$VRMOD,OTHER");
         QTRY_COMPARE(label->text(), QStringLiteral("mode: OTHER"));

@@ -1,10 +1,8 @@
-#include "matrixview.h"
+#include "matrixwindows.h"
 
 #include "widgets/qmlineedit.h"
 
 #include <QComboBox>
-
-#include <memory>
 
 /*! Names and speeds of the ports, in a window that is not connected but where lines are sent. */
 class TestNames : public QObject
@@ -62,10 +60,9 @@ private slots:
     void speedFromTheRouterOffline();
 
 private:
-    // A window that is not connected, made anew for each test that asks for it.
+    // Where keys are typed the window has to be the active one.
     MainWindow *fresh();
-    // The window that is connected, its matrix emptied for each test that asks for it.
-    ConnectedMatrix *connected();
+    ConnectedMatrix *connected() { return m_windows.connected(); }
 
     // Presses a mouse button over the middle of a widget, by way of the window.
     static void click(QWidget *widget, Qt::MouseButton button);
@@ -89,50 +86,31 @@ private:
         return fresh()->routerModel().output_ports[size_t(port)].output_name;
     }
 
-    std::unique_ptr<ConnectedMatrix> m_connected;
-    bool m_isReset = false;
-    std::unique_ptr<MainWindow> m_fresh;
+    MatrixWindows m_windows;
 };
 
 MainWindow *TestNames::fresh()
 {
-    if (m_fresh)
-        return m_fresh.get();
-    m_fresh = std::make_unique<MainWindow>();
-    m_fresh->resize(853, 1000); // the screen may be too low for the whole matrix
-    m_fresh->show();
-    m_fresh->activateWindow();
-    if (!QTest::qWaitForWindowActive(m_fresh.get()))
+    MainWindow *window = m_windows.fresh();
+    if (window->isActiveWindow())
+        return window;
+    window->activateWindow();
+    if (!QTest::qWaitForWindowActive(window))
         qFatal("the window does not become active");
-    return m_fresh.get();
-}
-
-ConnectedMatrix *TestNames::connected()
-{
-    if (!m_connected)
-        m_connected = std::make_unique<ConnectedMatrix>();
-    if (!m_isReset) {
-        m_connected->reset();
-        m_connected->sent();
-    }
-    m_isReset = true;
-    return m_connected.get();
+    return window;
 }
 
 void TestNames::cleanup()
 {
-    m_fresh.reset();
-    m_isReset = false;
+    m_windows.endTest();
     QVERIFY(!QWidget::mouseGrabber());
-    if (!m_connected)
-        return;
-    QVERIFY2(m_connected->bench.boxes.isDone(), qPrintable(m_connected->bench.boxes.report()));
-    QVERIFY(m_connected->window().isConnected());
+    const QString problem = m_windows.problem();
+    QVERIFY2(problem.isEmpty(), qPrintable(problem));
 }
 
 void TestNames::cleanupTestCase()
 {
-    m_connected.reset();
+    m_windows.disconnect();
 }
 
 void TestNames::click(QWidget *widget, Qt::MouseButton button)
@@ -554,7 +532,7 @@ void TestNames::windowEndsUnderAnOpenEditor()
     QStringList heard;
     connect(editor, &QLineEdit::editingFinished, this,
             [&] { heard += QString::fromLatin1(editor->window()->metaObject()->className()); });
-    m_fresh.reset();
+    m_windows.closeFresh();
     heard.removeDuplicates();
     QCOMPARE(heard, QStringList("MainWindow"));
     QVERIFY(!QWidget::mouseGrabber());
