@@ -1,13 +1,12 @@
 #include "simulator/aisencoder.h"
 
-#include <cmath>
+#include <algorithm>
 
 namespace tk7sim {
 
 namespace {
 
 constexpr int bitsPerCharacter = 6;
-constexpr int characterMask = 63;
 constexpr int gapStart = 40; // the characters from here on stand eight places further
 constexpr int gap = 8;
 constexpr int firstCharacter = 48;
@@ -15,8 +14,7 @@ constexpr int spaceCode = 32;
 constexpr char fillCharacter = '@';
 constexpr int payloadPerSentence = 59; // keeps a sentence below 82 characters
 
-constexpr double positionUnits = 600000.0; // 1/10000 of a minute of arc, a degree
-constexpr double tenths = 10.0;
+constexpr int voyageDataType = 5;
 
 } // namespace
 
@@ -27,9 +25,9 @@ void AisEncoder::put(qint64 value, int width)
     }
 }
 
-void AisEncoder::putText(const char *text, int length)
+void AisEncoder::putText(const QByteArray &text, int length)
 {
-    const QByteArray padded = QByteArray(text).left(length).leftJustified(length, fillCharacter);
+    const QByteArray padded = text.left(length).leftJustified(length, fillCharacter);
     for (const char c : padded) {
         // '@' to '_' are 0 to 31, blank to '?' are 32 to 63.
         put(c < fillCharacter ? c - ' ' + spaceCode : c - fillCharacter, bitsPerCharacter);
@@ -50,66 +48,75 @@ QByteArray AisEncoder::payload() const
         for (int bit = 0; bit < bitsPerCharacter; ++bit) {
             value = (value << 1) | bits.at(i + bit);
         }
-        value &= characterMask;
         result.append(static_cast<char>(firstCharacter + value + (value < gapStart ? 0 : gap)));
     }
     return result;
 }
 
-QByteArray aisPositionReport(const AisVessel &vessel, double seconds, int utcSecond, char channel)
+AisEncoder encoded(const AisPositionReport &report)
 {
-    const Fix fix = vessel.course.at(seconds);
     AisEncoder message;
-    message.put(1, 6); // type
+    message.put(report.type, 6);
     message.put(0, 2); // repeat indicator
-    message.put(vessel.mmsi, 30);
-    message.put(0, 4); // under way using engine
-    message.put(0, 8); // not turning
-    message.put(std::llround(std::fabs(vessel.course.knots) * tenths), 10);
-    message.put(1, 1); // position accuracy better than 10 m
-    message.put(std::llround(fix.longitude * positionUnits), 28);
-    message.put(std::llround(fix.latitude * positionUnits), 27);
-    message.put(std::llround(fix.course * tenths) % 3600, 12);
-    message.put(static_cast<qint64>(fix.course), 9); // heading
-    message.put(utcSecond, 6);
+    message.put(report.mmsi, 30);
+    message.put(report.navStatus, 4);
+    message.put(report.rateOfTurn, 8);
+    message.put(report.speed, 10);
+    message.put(report.isAccurate, 1);
+    message.put(report.longitude, 28);
+    message.put(report.latitude, 27);
+    message.put(report.course, 12);
+    message.put(report.heading, 9);
+    message.put(report.second, 6);
     message.put(0, 2);  // no special manoeuvre
     message.put(0, 3);  // spare
     message.put(0, 1);  // RAIM not in use
     message.put(0, 19); // communication state
-    return QByteArray("!AIVDM,1,1,,") + channel + ',' + message.payload() + ','
-        + QByteArray::number(message.fillBits());
+    return message;
 }
 
-QList<QByteArray> aisVoyageData(const AisVessel &vessel, int sequence, char channel)
+AisEncoder encoded(const AisVoyageData &data)
 {
     AisEncoder message;
-    message.put(5, 6); // type
+    message.put(voyageDataType, 6);
     message.put(0, 2); // repeat indicator
-    message.put(vessel.mmsi, 30);
+    message.put(data.mmsi, 30);
     message.put(0, 2); // AIS version
-    message.put(vessel.imo, 30);
-    message.putText(vessel.callSign, 7);
-    message.putText(vessel.name, 20);
-    message.put(vessel.shipType, 8);
-    message.put(90, 9); // metres from the antenna to the bow
-    message.put(30, 9); // to the stern
-    message.put(10, 6); // to port
-    message.put(9, 6);  // to starboard
-    message.put(1, 4);  // positioned by GPS
-    message.put(0, 4);  // month of arrival not known
-    message.put(0, 5);  // day
-    message.put(24, 5); // hour not known
-    message.put(60, 6); // minute not known
-    message.put(62, 8); // draught, 1/10 m
-    message.putText(vessel.destination, 20);
+    message.put(data.imo, 30);
+    message.putText(data.callSign, AisVoyageData::callSignLength);
+    message.putText(data.name, AisVoyageData::textLength);
+    message.put(data.shipType, 8);
+    message.put(data.toBow, 9);
+    message.put(data.toStern, 9);
+    message.put(data.toPort, 6);
+    message.put(data.toStarboard, 6);
+    message.put(data.fixType, 4);
+    message.put(data.month, 4);
+    message.put(data.day, 5);
+    message.put(data.hour, 5);
+    message.put(data.minute, 6);
+    message.put(data.draught, 8);
+    message.putText(data.destination, AisVoyageData::textLength);
     message.put(0, 1); // data terminal ready
     message.put(0, 1); // spare
+    return message;
+}
 
+QList<QByteArray> aisBodies(const QByteArray &head, int sequence, const QByteArray &source,
+                            const AisEncoder &message)
+{
     const QByteArray payload = message.payload();
-    const QByteArray tail = ',' + QByteArray::number(sequence) + ',' + channel + ',';
-    return {"!AIVDM,2,1" + tail + payload.left(payloadPerSentence) + ",0",
-            "!AIVDM,2,2" + tail + payload.mid(payloadPerSentence) + ','
-                + QByteArray::number(message.fillBits())};
+    const int total = std::max((payload.size() + payloadPerSentence - 1) / payloadPerSentence, 1);
+    const QByteArray shared = total > 1 ? QByteArray::number(sequence) : QByteArray();
+    QList<QByteArray> bodies;
+    for (int i = 0; i < total; ++i) {
+        const int fillBits = i == total - 1 ? message.fillBits() : 0;
+        bodies.append(head + ',' + QByteArray::number(total) + ',' + QByteArray::number(i + 1) + ','
+                      + shared + ',' + source + ','
+                      + payload.mid(i * payloadPerSentence, payloadPerSentence) + ','
+                      + QByteArray::number(fillBits));
+    }
+    return bodies;
 }
 
 } // namespace tk7sim

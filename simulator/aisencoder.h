@@ -1,23 +1,11 @@
 #pragma once
 
-#include "simulator/ship.h"
+#include "simulator/aismessages.h"
 
 #include <QByteArray>
 #include <QList>
 
 namespace tk7sim {
-
-/*! A ship with an AIS transponder. */
-struct AisVessel
-{
-    quint32 mmsi;
-    quint32 imo;
-    const char *callSign;    //!< at most 7 characters
-    const char *name;        //!< at most 20 characters
-    const char *destination; //!< at most 20 characters
-    int shipType;            //!< 0 to 99
-    CircularCourse course;
-};
 
 /*! Packs the fields of an AIS message into six-bit characters. */
 class AisEncoder
@@ -26,7 +14,7 @@ public:
     //! Appends the low \a width bits of \a value, highest bit first.
     void put(qint64 value, int width);
     //! Appends \a text as six-bit characters, filled up or cut to \a length.
-    void putText(const char *text, int length);
+    void putText(const QByteArray &text, int length);
 
     int bitCount() const { return static_cast<int>(m_bits.size()); }
     //! The bits that complete the last character.
@@ -37,9 +25,15 @@ private:
     QByteArray m_bits; // a byte a bit
 };
 
-/*! The body of a VDM sentence with the position report of \a vessel, type 1. */
-QByteArray aisPositionReport(const AisVessel &vessel, double seconds, int utcSecond, char channel);
-/*! The bodies of the two VDM sentences with the voyage data of \a vessel, type 5. */
-QList<QByteArray> aisVoyageData(const AisVessel &vessel, int sequence, char channel);
+AisEncoder encoded(const AisPositionReport &report);
+AisEncoder encoded(const AisVoyageData &data);
+
+/*!
+ * The bodies of the sentences that carry \a message, as many as it needs: \a head ("!AIVDM"), the
+ * number of sentences, the number of each, \a sequence if there are several, \a source (a radio
+ * channel, or the port in the router's own sentences), payload, fill bits.
+ */
+QList<QByteArray> aisBodies(const QByteArray &head, int sequence, const QByteArray &source,
+                            const AisEncoder &message);
 
 } // namespace tk7sim

@@ -84,6 +84,9 @@ void watch(RouterSimulator *simulator, const SimulatorOptions &options)
     QObject::connect(simulator, &RouterSimulator::connectedChanged, simulator, [](bool connected) {
         print(stdout, connected ? QStringLiteral("connected\n") : QStringLiteral("disconnected\n"));
     });
+    QObject::connect(simulator, &RouterSimulator::aisTestChanged, simulator, [](bool on) {
+        print(stdout, on ? QStringLiteral("AIS test on\n") : QStringLiteral("AIS test off\n"));
+    });
     QObject::connect(simulator, &RouterSimulator::saved, simulator, [](bool ok) {
         print(stdout, ok ? QStringLiteral("saved\n") : QStringLiteral("save refused\n"));
     });
@@ -123,6 +126,12 @@ int main(int argc, char *argv[])
     if (!options.eepromFile().isEmpty() && !simulator.setEepromFile(options.eepromFile())) {
         complain(
             QStringLiteral("%1; going on with the factory set-up").arg(simulator.errorString()));
+    }
+    for (const auto &[port, file] : options.aisReplays()) {
+        if (!simulator.setAisReplay(port, file)) {
+            complain(QStringLiteral("can't replay %1").arg(simulator.errorString()));
+            return WrongUse;
+        }
     }
     if (!simulator.open()) {
         complain(QStringLiteral("no pseudo-terminal: %1").arg(simulator.errorString()));

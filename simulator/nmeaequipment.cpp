@@ -1,6 +1,6 @@
 #include "simulator/nmeaequipment.h"
 
-#include "simulator/aisencoder.h"
+#include "simulator/neighbours.h"
 #include "simulator/ship.h"
 
 #include <algorithm>
@@ -172,27 +172,6 @@ Bodies xdr(const Moment &m)
             + number(ship.pressure, pressureDecimals) + ",B,BARO"};
 }
 
-const std::array<AisVessel, 8> &vessels()
-{
-    static const std::array<AisVessel, 8> all = {{
-        {211378120,
-         9301407,
-         "DGKL2",
-         "NORDERNEY TRADER",
-         "HAMBURG",
-         70,
-         {54.18, 7.55, 8.0, 14.2, 40}},
-        {244660921, 9188233, "PHQR", "WADDENZEE", "ROTTERDAM", 80, {54.22, 7.30, 6.5, -11.5, 160}},
-        {219018271, 9410765, "OWJT2", "SKAGEN STAR", "ESBJERG", 60, {54.30, 7.42, 10.0, 18.3, 250}},
-        {257045680, 8714322, "LAFN7", "HAVBRIS", "BERGEN", 70, {54.10, 7.38, 3.5, -9.4, 20}},
-        {211214670, 0, "DJWM", "SEEADLER", "HELGOLAND", 37, {54.19, 7.46, 1.2, 5.1, 310}},
-        {232004931, 9550371, "MBQX5", "HUMBER DAWN", "IMMINGHAM", 79, {54.26, 7.20, 7.2, 13.0, 90}},
-        {211523440, 0, "DKFE", "BUESUM 4", "FISHING GROUNDS", 30, {54.14, 7.52, 2.0, -3.2, 200}},
-        {276813000, 9222351, "ESHK", "SAAREMAA", "TALLINN", 70, {54.33, 7.60, 9.0, 12.1, 350}},
-    }};
-    return all;
-}
-
 char aisChannel(qint64 count)
 {
     return count % 2 == 0 ? 'A' : 'B';
@@ -202,9 +181,9 @@ char aisChannel(qint64 count)
 Bodies vdm(const Moment &m)
 {
     constexpr int sequences = 10;
-    const auto fleet = static_cast<qint64>(vessels().size());
+    const auto fleet = static_cast<qint64>(neighbours().size());
     const auto index = m.count % fleet;
-    const AisVessel &vessel = vessels()[static_cast<size_t>(index)];
+    const AisVessel &vessel = neighbours()[static_cast<size_t>(index)];
     if (m.count % aisSlots < fleet) {
         return aisVoyageData(vessel, static_cast<int>(index % sequences), aisChannel(m.count));
     }
@@ -213,9 +192,8 @@ Bodies vdm(const Moment &m)
 
 Bodies vdo(const Moment &m)
 {
-    static const AisVessel self = {211890150,  9274290, "DFTR",   "TIDEWELL",
-                                   "CUXHAVEN", 70,      ownCourse};
-    QByteArray body = aisPositionReport(self, m.seconds, m.utc.time().second(), aisChannel(0));
+    QByteArray body =
+        aisPositionReport(ownVessel(), m.seconds, m.utc.time().second(), aisChannel(0));
     return {body.replace("VDM", "VDO")};
 }
 
@@ -226,7 +204,7 @@ Bodies ttm(const Moment &m)
     constexpr double quarter = 90.0;
     constexpr double pi = 3.14159265358979323846;
     const auto index = static_cast<size_t>(m.count % plotted);
-    const CircularCourse &course = vessels()[index].course;
+    const CircularCourse &course = neighbours()[index].course;
     const ShipState own = shipAt(m.seconds);
     const Fix target = course.at(m.seconds);
     const double north = (target.latitude - own.fix.latitude) * minutesPerDegree;

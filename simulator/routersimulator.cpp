@@ -1,5 +1,6 @@
 #include "simulator/routersimulator.h"
 
+#include "simulator/aisfeed.h"
 #include "simulator/faultset.h"
 #include "simulator/lineassembler.h"
 #include "simulator/linenoise.h"
@@ -24,7 +25,7 @@ namespace {
 constexpr double millisecondsPerSecond = 1000.0;
 constexpr int settleInterval = 60000; // milliseconds, within what the statistics look back
 constexpr int bulkShare = 10;         // of a slow router's delay: the gap within its configuration
-constexpr int monitorBacklog = 512;   // bytes of the monitor that may stand before an answer
+constexpr int trafficBacklog = 512;   // bytes of traffic that may stand before an answer
 
 void remember(QList<ReceivedLine> *list, const QByteArray &line, int lineSpeed)
 {
@@ -46,6 +47,7 @@ public:
     void answer(const Answer &answer);
     void send(const QByteArray &line, bool isBulk = false, int thenSpeed = 0);
     void pumpTraffic();
+    QByteArray nextTrafficLine();
     void sendTraffic(const QByteArray &line);
     void applyConditions();
     void carry(const QByteArray &bytes);
@@ -68,12 +70,14 @@ public:
     InputConditions conditions;
     PortStatistics statistics;
     MonitorFeed monitor;
+    AisFeed ais;
     PortLink link;
     QString publishedName;
     QString error;
     bool isOpen = false;
     bool silenced = false;
-    qint64 lastDue = 0; // microseconds: when the youngest answer of a slow router may go out
+    bool isAisTurn = false; // of the two kinds of traffic
+    qint64 lastDue = 0;     // microseconds: when the youngest answer of a slow router may go out
     QTimer silentTimer;
     QTimer unplugTimer;
     QTimer replugTimer;
@@ -86,7 +90,8 @@ public:
 RouterSimulator::Private::Private(RouterSimulator *simulator)
     : q(simulator), terminal(simulator), pacer(simulator), core(&faults, simulator),
       statistics(&clock, core.working()), monitor(&clock, &core.working(), simulator),
-      silentTimer(simulator), unplugTimer(simulator), replugTimer(simulator), settleTimer(simulator)
+      ais(&clock, simulator), silentTimer(simulator), unplugTimer(simulator),
+      replugTimer(simulator), settleTimer(simulator)
 {
     // These objects end with this one, before their parent looks for children.
     pacer.setSpeed(core.speed());
@@ -96,6 +101,8 @@ RouterSimulator::Private::Private(RouterSimulator *simulator)
     connect(&pacer, &LinePacer::bytesDue, q, [this](const QByteArray &bytes) { carry(bytes); });
     connect(&pacer, &LinePacer::speedReached, q, [this](int baud) { core.moveTo(baud); });
     connect(&monitor, &MonitorFeed::linesWaiting, q, [this] { pumpTraffic(); });
+    connect(&ais, &AisFeed::linesWaiting, q, [this] { pumpTraffic(); });
+    connect(&ais, &AisFeed::reported, q, &RouterSimulator::aisReported);
     connect(&core, &RouterCore::answered, q, [this](const Answer &a) { answer(a); });
     connect(&core, &RouterCore::ended, q, [this] {
         pacer.clear();
@@ -127,7 +134,14 @@ RouterSimulator::Private::Private(RouterSimulator *simulator)
     connect(&core, &RouterCore::lockChanged, q,
             [this] { emit q->lockChanged(core.lock().isEnabled(), core.lock().level()); });
     connect(&core, &RouterCore::modeChanged, q, &RouterSimulator::modeChanged);
-    connect(&core, &RouterCore::aisTestChanged, q, &RouterSimulator::aisTestChanged);
+    connect(&core, &RouterCore::aisTestChanged, q, [this](bool on) {
+        if (on) {
+            ais.start();
+        } else {
+            ais.stop();
+        }
+        emit q->aisTestChanged(on);
+    });
     connect(&core, &RouterCore::rebooting, q, &RouterSimulator::rebooting);
     connect(&core, &RouterCore::rebooted, q, &RouterSimulator::rebooted);
     connect(&core.firmware(), &FirmwareUpdate::started, q, &RouterSimulator::updateStarted);
@@ -206,16 +220,32 @@ void RouterSimulator::Private::send(const QByteArray &line, bool isBulk, int the
     emit q->lineSent(line);
 }
 
-// The queue never runs dry while the monitor has more, and an answer never waits behind all of it.
-// While a firmware comes in the router shows no traffic.
+// The queue never runs dry while there is more traffic, and an answer never waits behind all of it.
+// While a firmware comes in the router shows none.
 void RouterSimulator::Private::pumpTraffic()
 {
-    if (core.firmware().isActive()) {
+    if (isDead() || core.firmware().isActive()) {
         monitor.clear();
+        return;
     }
-    while (monitor.hasLine() && pacer.queuedBytes() < monitorBacklog) {
-        sendTraffic(monitor.takeLine());
+    while (pacer.queuedBytes() < trafficBacklog) {
+        const QByteArray line = nextTrafficLine();
+        if (line.isEmpty()) {
+            return;
+        }
+        sendTraffic(line);
     }
+}
+
+// The port under view and the AIS test in turns; empty if neither has a line.
+QByteArray RouterSimulator::Private::nextTrafficLine()
+{
+    isAisTurn = !isAisTurn;
+    QByteArray line = isAisTurn ? ais.takeLine() : QByteArray();
+    if (!line.isEmpty()) {
+        return line;
+    }
+    return monitor.hasLine() ? monitor.takeLine() : ais.takeLine();
 }
 
 void RouterSimulator::Private::sendTraffic(const QByteArray &line)
@@ -615,7 +645,43 @@ void RouterSimulator::setSaveDuration(int milliseconds)
 
 void RouterSimulator::setTrafficRate(double rate)
 {
-    d->monitor.setRate(qBound(0.0, rate, maxTrafficRate));
+    const double bounded = qBound(0.0, rate, maxTrafficRate);
+    d->monitor.setRate(bounded);
+    d->ais.setRate(bounded);
+}
+
+void RouterSimulator::setAisVessels(int count)
+{
+    d->ais.setVessels(count);
+}
+
+void RouterSimulator::setAisPorts(const QVector<int> &ports)
+{
+    d->ais.setPorts(ports.isEmpty() ? std::nullopt : std::optional(ports));
+}
+
+bool RouterSimulator::setAisReplay(int port, const QString &path)
+{
+    if (!isPort(port)) {
+        d->error = QStringLiteral("no input port: %1").arg(port);
+        return false;
+    }
+    const auto replay = AisReplay::load(port, path, &d->error);
+    if (!replay) {
+        return false;
+    }
+    d->ais.addReplay(*replay);
+    if (replay->leftOut() > 0) {
+        emit message(QStringLiteral("%1: lines left out that are no AIS sentences: %2")
+                         .arg(path)
+                         .arg(replay->leftOut()));
+    }
+    return true;
+}
+
+const AisWorld *RouterSimulator::aisWorld() const
+{
+    return d->ais.world();
 }
 
 void RouterSimulator::setInputSilent(int port, bool silent)
@@ -669,6 +735,7 @@ int RouterSimulator::activeInput(int outputPort, int channel) const
 void RouterSimulator::setSeed(quint32 seed)
 {
     d->noise = LineNoise(seed);
+    d->ais.setSeed(seed);
     d->conditions.seed = seed;
     d->applyConditions();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "simulator/aisreport.h"
 #include "simulator/faults.h"
 #include "simulator/portcounters.h"
 #include "simulator/routerconfig.h"
@@ -8,10 +9,13 @@
 #include <QList>
 #include <QObject>
 #include <QString>
+#include <QVector>
 
 #include <memory>
 
 namespace tk7sim {
+
+class AisWorld;
 
 /*! Bytes that came from the tool, and when. */
 struct ReceivedLine
@@ -151,11 +155,28 @@ public:
     bool isAisTestOn() const;
     //! How long writing the EEPROM takes, in milliseconds. Default 300.
     void setSaveDuration(int milliseconds);
-    //! Times the usual number of lines of the port under view, 0 (none) to maxTrafficRate, at which
-    //! any port's traffic fills a line of 115200 baud. Default 1.
+    //! Times the usual number of lines of the port under view and of an AIS test that begins after
+    //! this call, 0 (none) to maxTrafficRate, at which either fills a line of 115200 baud. Default
+    //! 1.
     void setTrafficRate(double rate);
     //! Seed of everything random, so that a run can be repeated.
     void setSeed(quint32 seed);
+
+    // The AIS test, from $VRATM with ON until OFF or the end of the connection
+
+    //! Class A vessels of the next AIS test, 0 to AisWorldSettings::maxVessels. Default 40.
+    void setAisVessels(int count);
+    //! Input ports with AIS traffic in the next test; empty: as many as the vessels need.
+    void setAisPorts(const QVector<int> &ports);
+    /*!
+     * Lets input \a port, 0 to 11, hear the VDM, VDO and ALR sentences of the file \a path in the
+     * next tests, over and over. False, and errorString(), if the port is none or the file can't be
+     * used.
+     */
+    bool setAisReplay(int port, const QString &path);
+    //! What the vessels of this test, or of the last one, are and have said; null before the first.
+    //! It ends with the next test and with the simulator.
+    const AisWorld *aisWorld() const;
 
     // The counters of the ports
 
@@ -237,6 +258,8 @@ signals:
     //! The mode was set by the tool.
     void modeChanged(const QByteArray &text);
     void aisTestChanged(bool on);
+    //! A report of the AIS world enters the queue. Replayed lines are none.
+    void aisReported(const tk7sim::AisReport &report);
     //! A firmware update has begun.
     void updateStarted();
     //! A firmware has arrived whole; it is used when the tool says so.

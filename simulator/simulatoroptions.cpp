@@ -1,5 +1,6 @@
 #include "simulator/simulatoroptions.h"
 
+#include "simulator/aisworld.h"
 #include "simulator/linespeed.h"
 #include "simulator/portlink.h"
 #include "simulator/routerconfig.h"
@@ -47,8 +48,15 @@ void addOptions(QCommandLineParser *parser)
     add("mode", "Mode that the router reports; letters and digits.", "TEXT", "NORMAL");
     add("bank", "Flash bank that the router reports.", "BANK", "0");
     add("eeprom", "Keep the EEPROM in this file from one run to the next.", "FILE", "");
-    add("rate", "So many times the usual number of lines of the port under view, 0 to 1000.", "N",
-        "1");
+    add("rate",
+        "So many times the usual number of lines of the port under view and of the vessels of an "
+        "AIS test, 0 to 1000.",
+        "N", "1");
+    add("vessels", "Number of vessels around the ship in an AIS test, 0 to 20000.", "N", "40");
+    add("ais-replay",
+        "In an AIS test, let this input port (0 to 11) hear the VDM, VDO and ALR sentences of a "
+        "file, over and over. May be given several times, for other ports.",
+        "PORT:FILE", "");
     add("silence",
         "Seconds without a word from the tool after which it is taken to have gone; 0: "
         "never.",
@@ -137,11 +145,19 @@ SimulatorOptions::Outcome SimulatorOptions::read(const QCommandLineParser &parse
         || !readNumber(parser, tr("port"), portCount - 1, &m_port)
         || !readNumber(parser, tr("bank"), maxBank, &m_bank)
         || !readNumber(parser, tr("rate"), RouterSimulator::maxTrafficRate, &m_rate)
+        || !readNumber(parser, tr("vessels"), AisWorldSettings::maxVessels, &m_vessels)
         || !readNumber(parser, tr("seed"), maxSeed, &m_seed)
         || !readNumber(parser, tr("silence"), maxSilence, &m_silence)
         || !readNumber(parser, tr("handover"), maxHandover, &m_handover)
         || !readNumber(parser, tr("reboot"), maxReboot, &m_reboot)) {
         return Outcome::Error;
+    }
+    const QStringList replays =
+        parser.isSet(tr("ais-replay")) ? parser.values(tr("ais-replay")) : QStringList();
+    for (const QString &replay : replays) {
+        if (!readAisReplay(replay)) {
+            return Outcome::Error;
+        }
     }
     const QStringList faults = parser.values(tr("fault"));
     for (const QString &fault : faults) {
@@ -170,6 +186,19 @@ bool SimulatorOptions::readFault(const QString &text)
         }
     }
     m_faults.append({*fault, value});
+    return true;
+}
+
+bool SimulatorOptions::readAisReplay(const QString &text)
+{
+    const auto colon = text.indexOf(QLatin1Char(':'));
+    bool ok = false;
+    const int port = text.left(colon).toInt(&ok);
+    const QString file = text.mid(colon + 1);
+    if (colon < 0 || !ok || !isPort(port) || file.isEmpty()) {
+        return fail(tr("not a port from 0 to 11 and a file: --ais-replay %1").arg(text));
+    }
+    m_aisReplays.append({port, file});
     return true;
 }
 
@@ -219,6 +248,7 @@ void SimulatorOptions::applyTo(RouterSimulator *simulator) const
     simulator->setMode(m_mode.toLatin1());
     simulator->setFlashBank(static_cast<int>(m_bank));
     simulator->setTrafficRate(m_rate);
+    simulator->setAisVessels(static_cast<int>(m_vessels));
     simulator->setSeed(static_cast<quint32>(m_seed));
     for (const auto &[fault, value] : m_faults) {
         simulator->setFault(fault, value);

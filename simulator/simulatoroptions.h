@@ -26,16 +26,19 @@ public:
     Outcome parse(const QStringList &arguments);
     QString text() const { return m_text; }
 
-    //! Hands everything but the EEPROM file to \a simulator.
+    //! Hands everything but the files to \a simulator.
     void applyTo(RouterSimulator *simulator) const;
 
     QString eepromFile() const { return m_eepromFile; }
+    //! Ports, 0 to 11, and the files that they replay in an AIS test.
+    const QList<QPair<int, QString>> &aisReplays() const { return m_aisReplays; }
     bool isQuiet() const { return m_quiet; }
     bool isVerbose() const { return m_verbose; }
 
 private:
     Outcome read(const QCommandLineParser &parser);
     bool readFault(const QString &text);
+    bool readAisReplay(const QString &text);
     bool readVersion(const QString &text);
     bool readNumber(const QCommandLineParser &parser, const QString &option, double maximum,
                     double *result);
@@ -51,6 +54,7 @@ private:
     QString m_mode;
     double m_bank = 0;
     double m_rate = 1;
+    double m_vessels = 0;
     double m_seed = 1;
     double m_silence = 0;
     double m_handover = 0;
@@ -58,6 +62,7 @@ private:
     bool m_keepSpeed = false;
     QString m_eepromFile;
     QList<QPair<Fault, double>> m_faults;
+    QList<QPair<int, QString>> m_aisReplays;
     bool m_quiet = false;
     bool m_verbose = false;
 };

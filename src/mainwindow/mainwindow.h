@@ -23,6 +23,7 @@ class QScrollArea;
 class QTimer;
 QT_END_NAMESPACE
 
+class aistestdlg;
 class DragFrame;
 class EnterPasswordDlg;
 class FilterDlg;
@@ -159,7 +160,7 @@ protected:
 
 private:
     static constexpr int topBarHeight = 47; //!< design pixels that a low window keeps
-    static constexpr int stripHeight = 30; //!< design pixels of the folded panel
+    static constexpr int stripHeight = 30;  //!< design pixels of the folded panel
 
     /*! The widgets of one input channel of the selected output port. */
     struct ChannelRow
@@ -243,6 +244,8 @@ private:
     void wireServiceDialog();
     void closeServiceDialog();
     void runAisTest();
+    void disconnectAisTestDialog();
+    void closeAisTestDialog();
     /*! Queues \a sentence also while the connection is coming up or going down. */
     void queueSentence(const QString &sentence);
 
@@ -321,6 +324,7 @@ private:
         message_box; //!< the open box; one that comes while it is open is its child
 
     QPointer<servicedlg> service_dialog;        //!< while it is open
+    QPointer<aistestdlg> ais_test_dialog;       //!< while the AIS test runs
     QPointer<EnterPasswordDlg> password_dialog; //!< the window's own, while it is open
 
     QByteArray firmware_buffer;                   //!< the whole file, while an update may need it

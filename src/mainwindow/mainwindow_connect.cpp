@@ -216,6 +216,7 @@ void MainWindow::slotTimeOutConnectPort()
     closeProgressDialog();
     closeWaitSaveDialog();
     closeServiceDialog();
+    closeAisTestDialog();
     slotCancelFirmwareUpdate();
     resetConnectionView();
     ui->pushButton_connect->setEnabled(true);

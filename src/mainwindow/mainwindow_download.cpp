@@ -58,6 +58,7 @@ void MainWindow::askDisconnect()
 
 void MainWindow::slotVRSendDisconnect()
 {
+    closeWaitSaveDialog();
     resetConnectionView();
     link->closePort();
     leaveConnection();

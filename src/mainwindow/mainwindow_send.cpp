@@ -35,6 +35,7 @@ void MainWindow::slotSaveToEeprom()
         return;
     SendAllToRouter();
     send(Commands::SaveToEeprom);
+    closeWaitSaveDialog(); // of a save whose answer was lost, and that the user has dismissed
     wait_save_dialog = new WaitSaveDlg(this);
     wait_save_dialog->setModal(true);
     wait_save_dialog->show();

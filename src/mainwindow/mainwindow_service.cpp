@@ -1,3 +1,4 @@
+#include "aisdialogs/aistestdlg.h"
 #include "link/nmeaserialport.h"
 #include "mainwindow/mainwindow.h"
 #include "mainwindow/statuswidget.h"
@@ -83,7 +84,40 @@ void MainWindow::closeServiceDialog()
 void MainWindow::runAisTest()
 {
     queueSentence(Commands::AisTestOn);
+    if (!ais_test_dialog)
+        ais_test_dialog = new aistestdlg(this);
+    if (link) {
+        connect(link, &NmeaSerialPort::signalVRAISMessage, ais_test_dialog,
+                &aistestdlg::slotAISMessage);
+        connect(link, &NmeaSerialPort::signalVRAISPosition, ais_test_dialog,
+                &aistestdlg::slotAISPosition);
+    }
+    ais_test_dialog->exec();
+    // The end of the link takes the dialog along, and there is nobody then to be told.
+    if (!ais_test_dialog)
+        return;
+    disconnectAisTestDialog();
     queueSentence(Commands::AisTestOff);
+    delete ais_test_dialog;
+}
+
+void MainWindow::disconnectAisTestDialog()
+{
+    if (!link)
+        return;
+    disconnect(link, &NmeaSerialPort::signalVRAISMessage, ais_test_dialog,
+               &aistestdlg::slotAISMessage);
+    disconnect(link, &NmeaSerialPort::signalVRAISPosition, ais_test_dialog,
+               &aistestdlg::slotAISPosition);
+}
+
+void MainWindow::closeAisTestDialog()
+{
+    if (!ais_test_dialog)
+        return;
+    disconnectAisTestDialog();
+    ais_test_dialog->close();
+    delete ais_test_dialog;
 }
 
 void MainWindow::queueSentence(const QString &sentence)

@@ -4,6 +4,7 @@
 #include "editors/sentencelist.h"
 #include "editors/smartdlg.h"
 #include "editors/sntdlg.h"
+#include "support/formcheck.h"
 #include "widgets/uiscale.h"
 
 #include <QDialogButtonBox>
@@ -46,17 +47,9 @@ private slots:
     void nothingIsCutOff_data();
     void nothingIsCutOff();
     void filterColumnsFit();
-
-private:
-    int cut(int length) const { return int(length * m_scale); }
-    QSize cut(QSize size) const { return {cut(size.width()), cut(size.height())}; }
-    QRect cut(const QRect &rect) const
-    {
-        return {QPoint(cut(rect.x()), cut(rect.y())), cut(rect.size())};
-    }
-
-    double m_scale = 1;
 };
+
+using namespace FormCheck;
 
 namespace {
 
@@ -102,11 +95,6 @@ std::unique_ptr<QDialog> make(const QString &name)
     return nullptr;
 }
 
-QSize textSize(const QWidget *widget, const QString &text)
-{
-    return widget->fontMetrics().size(0, text);
-}
-
 struct Shown
 {
     const QWidget *widget;
@@ -144,9 +132,7 @@ QList<Shown> shownBy(const QDialog &dialog)
 
 void tst_editorforms::initTestCase()
 {
-    // CTest runs this program once for each resolution.
-    m_scale = qEnvironmentVariable("TK7_EXPECTED_SCALE", QStringLiteral("1")).toDouble();
-    QCOMPARE(ui_scale(), m_scale);
+    QCOMPARE(ui_scale(), expectedScale());
 }
 
 void tst_editorforms::dialogs_data()
@@ -163,10 +149,10 @@ void tst_editorforms::dialogs_data()
 
 void tst_editorforms::dialogs()
 {
+    QFETCH(QString, title);
     QFETCH(QSize, size);
     const auto dialog = make(QString::fromLatin1(QTest::currentDataTag()));
-    QCOMPARE(dialog->objectName(), QString::fromLatin1(QTest::currentDataTag()));
-    QTEST(dialog->windowTitle(), "title");
+    checkFixedDialog(*dialog, QString::fromLatin1(QTest::currentDataTag()), title, size);
     // Qt adds the system menu of its own accord; there is no button in the title bar.
     QCOMPARE(dialog->windowFlags(), QDialog(nullptr, Qt::WindowTitleHint).windowFlags());
     QVERIFY(dialog->windowFlags() & Qt::WindowTitleHint);
@@ -174,61 +160,40 @@ void tst_editorforms::dialogs()
               & (Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint
                  | Qt::WindowContextHelpButtonHint)));
     QCOMPARE(dialog->font().pointSize(), 8);
-    QCOMPARE(dialog->size(), cut(size));
-    QCOMPARE(dialog->minimumSize(), cut(size));
-    QCOMPARE(dialog->maximumSize(), cut(size));
 }
 
 void tst_editorforms::places_data()
 {
-    QTest::addColumn<QString>("dialog");
-    QTest::addColumn<QString>("object");
-    QTest::addColumn<QString>("type");
-    QTest::addColumn<QRect>("place");
-    QTest::addColumn<QString>("text");
-
-    const auto add = [](const char *dialog, const char *object, const char *type, QRect place,
-                        const char *text = nullptr) {
-        QTest::addRow("%s, %s", dialog, object) << dialog << object << type << place << text;
-    };
-    add("FilterDlg", "filterTableWidget", "QTableWidget", QRect(4, 4, 131, 281));
-    add("FilterDlg", "groupBox", "QGroupBox", QRect(140, 4, 115, 69), "Filter type");
-    add("FilterDlg", "radioButton_whitelist", "QRadioButton", QRect(10, 20, 81, 20), "White List");
-    add("FilterDlg", "radioButton_blacklist", "QRadioButton", QRect(10, 40, 81, 20), "Black List");
-    add("FilterDlg", "verticalLayoutWidget", "QWidget", QRect(140, 84, 114, 186));
-    add("SntDlg", "label", "QLabel", QRect(10, 10, 161, 21), "Enter new NMEA sentence:");
-    add("SntDlg", "lineEdit", "QLineEdit", QRect(170, 10, 41, 21), "WWW");
-    add("SntDlg", "buttonBox", "QDialogButtonBox", QRect(30, 40, 161, 32));
-    add("DelSentenceDlg", "label", "QLabel", QRect(4, 4, 277, 41),
-        "NMEA sentence 'WWW' is used in other filters. \n"
-        "Are you sure want delete from all filters?");
-    add("DelSentenceDlg", "textEdit", "QTextEdit", QRect(4, 50, 279, 61));
-    add("DelSentenceDlg", "buttonBox", "QDialogButtonBox", QRect(62, 112, 174, 32));
-    add("HdrEditDlg", "label", "QLabel", QRect(10, 10, 161, 21), "Enter new NMEA Header:");
-    add("HdrEditDlg", "lineEdit", "QLineEdit", QRect(170, 10, 31, 21), "WW");
-    add("HdrEditDlg", "buttonBox_2", "QDialogButtonBox", QRect(20, 40, 174, 32));
-    add("SmartDlg", "groupBox", "QGroupBox", QRect(10, 10, 121, 191), "Smart Function");
-    add("SmartDlg", "verticalLayoutWidget", "QWidget", QRect(10, 20, 105, 161));
-    add("SmartDlg", "buttonBox", "QDialogButtonBox", QRect(10, 203, 121, 32));
+    addPlaceColumns();
+    addPlace("FilterDlg", "filterTableWidget", "QTableWidget", QRect(4, 4, 131, 281));
+    addPlace("FilterDlg", "groupBox", "QGroupBox", QRect(140, 4, 115, 69), "Filter type");
+    addPlace("FilterDlg", "radioButton_whitelist", "QRadioButton", QRect(10, 20, 81, 20),
+             "White List");
+    addPlace("FilterDlg", "radioButton_blacklist", "QRadioButton", QRect(10, 40, 81, 20),
+             "Black List");
+    addPlace("FilterDlg", "verticalLayoutWidget", "QWidget", QRect(140, 84, 114, 186));
+    addPlace("SntDlg", "label", "QLabel", QRect(10, 10, 161, 21), "Enter new NMEA sentence:");
+    addPlace("SntDlg", "lineEdit", "QLineEdit", QRect(170, 10, 41, 21), "WWW");
+    addPlace("SntDlg", "buttonBox", "QDialogButtonBox", QRect(30, 40, 161, 32));
+    addPlace("DelSentenceDlg", "label", "QLabel", QRect(4, 4, 277, 41),
+             "NMEA sentence 'WWW' is used in other filters. \n"
+             "Are you sure want delete from all filters?");
+    addPlace("DelSentenceDlg", "textEdit", "QTextEdit", QRect(4, 50, 279, 61));
+    addPlace("DelSentenceDlg", "buttonBox", "QDialogButtonBox", QRect(62, 112, 174, 32));
+    addPlace("HdrEditDlg", "label", "QLabel", QRect(10, 10, 161, 21), "Enter new NMEA Header:");
+    addPlace("HdrEditDlg", "lineEdit", "QLineEdit", QRect(170, 10, 31, 21), "WW");
+    addPlace("HdrEditDlg", "buttonBox_2", "QDialogButtonBox", QRect(20, 40, 174, 32));
+    addPlace("SmartDlg", "groupBox", "QGroupBox", QRect(10, 10, 121, 191), "Smart Function");
+    addPlace("SmartDlg", "verticalLayoutWidget", "QWidget", QRect(10, 20, 105, 161));
+    addPlace("SmartDlg", "buttonBox", "QDialogButtonBox", QRect(10, 203, 121, 32));
 }
 
 void tst_editorforms::places()
 {
     QFETCH(QString, dialog);
-    QFETCH(QString, object);
-    QFETCH(QRect, place);
-    QFETCH(QString, text);
     const auto window = make(dialog);
     window->show();
-    const auto *widget = window->findChild<QWidget *>(object);
-    QVERIFY(widget);
-    QTEST(QString::fromLatin1(widget->metaObject()->className()), "type");
-    QCOMPARE(widget->geometry(), cut(place));
-    QCOMPARE(widget->minimumSize(), cut(place.size()));
-    for (const char *property : {"text", "title"}) {
-        if (widget->property(property).isValid())
-            QCOMPARE(widget->property(property).toString(), text);
-    }
+    checkPlace(*window);
 }
 
 void tst_editorforms::layouts_data()
@@ -391,12 +356,10 @@ void tst_editorforms::nothingIsCutOff()
         const char *name = nameBytes.constData();
         const QSize needed = shown.needed;
         QVERIFY2(needed.width() <= widget->width() && needed.height() <= widget->height(), name);
-        QVERIFY2(widget->parentWidget()->rect().contains(widget->geometry()), name);
+        QVERIFY2(isInsideParent(widget), name);
 
         const QRect place(widget->mapTo(window.get(), QPoint()), shown.taken);
-        for (const QRect &other : qAsConst(taken))
-            QVERIFY2(!other.intersects(place), name);
-        taken += place;
+        QVERIFY2(takePlace(taken, place), name);
     }
     for (const QGroupBox *group : window->findChildren<QGroupBox *>())
         QVERIFY(textSize(group, group->title()).width() <= group->width());
@@ -418,12 +381,5 @@ void tst_editorforms::filterColumnsFit()
     }
 }
 
-// QTEST_MAIN would draw the texts at 96 dots per inch on any screen.
-int main(int argc, char *argv[])
-{
-    QApplication application(argc, argv);
-    tst_editorforms test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+TK7_FORM_TEST_MAIN(tst_editorforms)
 #include "tst_editorforms.moc"

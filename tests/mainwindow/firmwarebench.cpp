@@ -62,7 +62,7 @@ void FirmwareBench::takeFirmware(int last)
 
 QString FirmwareBench::writeFile(const QByteArray &content, const QString &name)
 {
-    const QString path = folder.filePath(name);
+    QString path = folder.filePath(name);
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("can't write %s", qPrintable(path));

@@ -442,7 +442,7 @@ QString TestDragDrop::editedName(DragFrame *frame)
     auto *editor = frame->findChild<QLineEdit *>();
     if (!editor)
         return QStringLiteral("(no editor)");
-    const QString name = editor->text();
+    QString name = editor->text();
     QTest::keyClick(editor, Qt::Key_Escape);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     return name;

@@ -22,11 +22,15 @@ private slots:
     void linkDiesWhileWaiting();
     void linkDiesUnderTheQuestion();
     void busyWhileWaiting();
+    void dismissedWaitGoesWithTheLink();
+    void dismissedWaitGoesWithTheNextSave();
     void resultWithoutASave();
     void nothingWhileNotConnected();
 };
 
 namespace {
+
+constexpr int longSave = 60000; // ms, longer than any test
 
 const QString saveTitle = QStringLiteral("Save Rules");
 
@@ -46,6 +50,14 @@ BoxAnswer::Box failed()
 {
     return {QStringLiteral("TK-7 Router"), QStringLiteral("Error saving rules in the Router"),
             QMessageBox::Critical};
+}
+
+BoxAnswer::Box farewell()
+{
+    return {QStringLiteral("TK-7 Router"),
+            QStringLiteral("Are you sure want disconnected from the TK-7 Router? If you will "
+                           "disconnect, router load all rules from the internal memory."),
+            QMessageBox::Question, QMessageBox::Ok | QMessageBox::Cancel};
 }
 
 QDialog *waitDialog(const WindowBench &bench)
@@ -240,6 +252,37 @@ void tst_save::busyWhileWaiting()
     QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.answered() == 3, 10000);
     QVERIFY(!::waitDialog(bench));
     QTRY_VERIFY(!bench.window.isConnected());
+}
+
+// Escape closes the wait dialog, and a router whose answer was lost never does.
+void tst_save::dismissedWaitGoesWithTheLink()
+{
+    WindowBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.router.setSaveDuration(longSave);
+    bench.boxes.expect(question()).expect(farewell());
+    bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
+    QVERIFY(::waitDialog(bench));
+    ::waitDialog(bench)->reject();
+    bench.find<QPushButton>("pushButton_connect")->click();
+    QTRY_VERIFY_WITH_TIMEOUT(!bench.window.isConnected(), 10000);
+    QVERIFY(!::waitDialog(bench));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+void tst_save::dismissedWaitGoesWithTheNextSave()
+{
+    WindowBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.router.setSaveDuration(longSave);
+    bench.boxes.expect(question()).expect(question());
+    for (int save = 0; save < 2; ++save) {
+        bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
+        QCOMPARE(bench.window.findChildren<QDialog *>("WaitSaveDlg").size(), 1);
+        QVERIFY(::waitDialog(bench)->isVisible());
+        ::waitDialog(bench)->reject();
+    }
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
 
 void tst_save::resultWithoutASave()

@@ -1,6 +1,7 @@
 #include "scriptedbench.h"
 
 #include "link/nmeaserialport.h"
+#include "support/aistestuser.h"
 #include "support/checkedline.h"
 
 #include <QElapsedTimer>
@@ -198,6 +199,7 @@ void tst_service::functionsByVersion()
     QFETCH(bool, aisTest);
     ScriptedBench bench(QTest::currentDataTag());
     QVERIFY(bench.connectToRouter());
+    const AisTestUser tester;
     QVERIFY(bench.inService([&](servicedlg &dialog) {
         for (const char *name : {"pushButton_Clear", "pushButton_ChipID", "pushButton_Lock"})
             QCOMPARE(button(dialog, name)->isEnabled(), statistics);
@@ -213,6 +215,7 @@ void tst_service::functionsByVersion()
         button(dialog, "pushButton_AisTest")->click();
         QCOMPARE(dialog.isVisible(), !aisTest);
     }));
+    QCOMPARE(tester.hasCome(), aisTest);
     bench.waitUntilHeard();
     QTRY_COMPARE(bench.heard().contains("$VRATM,OFF\r\n"), aisTest);
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
@@ -473,13 +476,19 @@ void tst_service::aisTest()
 {
     ScriptedBench bench("3.4");
     QVERIFY(bench.connectToRouter());
+    const AisTestUser tester([&](aistestdlg &) {
+        QVERIFY(!bench.serviceDialog());
+        QTRY_COMPARE(bench.heard().mid(2), QList<QByteArray>({"$VRATM,ON\r\n"}));
+        QTest::qWait(100);
+        QCOMPARE(bench.heard().size(), 3);
+    });
     QVERIFY(bench.inService([&](servicedlg &dialog) {
         QTRY_COMPARE(bench.heard().size(), 2);
         button(dialog, "pushButton_AisTest")->click();
         QVERIFY(!dialog.isVisible());
         QCOMPARE(dialog.result(), 5);
     }));
-    QVERIFY(!bench.serviceDialog());
+    QVERIFY(tester.hasCome());
     QTRY_COMPARE(bench.heard().mid(2), QList<QByteArray>({"$VRATM,ON\r\n", "$VRATM,OFF\r\n"}));
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }

@@ -4,6 +4,7 @@
 #include "service/enterpassworddlg.h"
 #include "service/modedlg.h"
 #include "service/passworddlg.h"
+#include "support/aistestuser.h"
 #include "support/checkedline.h"
 #include "widgets/qclicklabel.h"
 
@@ -355,6 +356,7 @@ void tst_servicelink::disconnectOvertakenByTheService()
                         "disconnect, router load all rules from the internal memory."),
          QMessageBox::Question, QMessageBox::Ok | QMessageBox::Cancel});
     bench.find<QPushButton>("pushButton_connect")->click();
+    const AisTestUser tester; // the window opens without a link, and brings nothing
     QVERIFY(bench.inService([&](servicedlg &dialog) {
         QTRY_VERIFY(!bench.window.currentLink());
         QVERIFY(dialog.isVisible());
@@ -363,6 +365,7 @@ void tst_servicelink::disconnectOvertakenByTheService()
         QTest::qWait(2100); // a poll
         press(dialog, "pushButton_AisTest");
     }));
+    QVERIFY(tester.hasCome());
     verifyAllIsClosed(bench);
     verifyWorksAgain(bench);
 }

@@ -5,6 +5,7 @@
 #include "service/enterpassworddlg.h"
 #include "service/modedlg.h"
 #include "service/passworddlg.h"
+#include "support/aistestuser.h"
 #include "support/indialog.h"
 
 #include <QLabel>
@@ -214,7 +215,12 @@ void tst_servicesim::aisTest()
 {
     QVERIFY(connectToRouter());
     QSignalSpy spy(&m_bench->router, &tk7sim::RouterSimulator::aisTestChanged);
+    const AisTestUser tester([&](aistestdlg &) {
+        QTRY_COMPARE(spy.size(), 1);
+        QVERIFY(m_bench->router.isAisTestOn());
+    });
     QVERIFY(inService([&](servicedlg &dialog) { button(dialog, "pushButton_AisTest")->click(); }));
+    QVERIFY(tester.hasCome());
     QTRY_COMPARE(spy.size(), 2);
     QCOMPARE(spy.at(0).at(0).toBool(), true);
     QCOMPARE(spy.at(1).at(0).toBool(), false);

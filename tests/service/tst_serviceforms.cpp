@@ -2,6 +2,7 @@
 #include "service/modedlg.h"
 #include "service/passworddlg.h"
 #include "service/servicedlg.h"
+#include "support/formcheck.h"
 #include "widgets/uiscale.h"
 
 #include <QHeaderView>
@@ -35,17 +36,9 @@ private slots:
     void lockButtonFits();
     void tableFits();
     void chipFits();
-
-private:
-    int cut(int length) const { return int(length * m_scale); }
-    QSize cut(QSize size) const { return {cut(size.width()), cut(size.height())}; }
-    QRect cut(const QRect &rect) const
-    {
-        return {QPoint(cut(rect.x()), cut(rect.y())), cut(rect.size())};
-    }
-
-    double m_scale = 1;
 };
+
+using namespace FormCheck;
 
 namespace {
 
@@ -77,18 +70,11 @@ std::unique_ptr<QDialog> make(const QString &name)
     return nullptr;
 }
 
-QSize textSize(const QWidget *widget, const QString &text)
-{
-    return widget->fontMetrics().size(0, text);
-}
-
 } // namespace
 
 void tst_serviceforms::initTestCase()
 {
-    // CTest runs this program once for each resolution.
-    m_scale = qEnvironmentVariable("TK7_EXPECTED_SCALE", QStringLiteral("1")).toDouble();
-    QCOMPARE(ui_scale(), m_scale);
+    QCOMPARE(ui_scale(), expectedScale());
 }
 
 void tst_serviceforms::dialogs_data()
@@ -106,34 +92,22 @@ void tst_serviceforms::dialogs_data()
 
 void tst_serviceforms::dialogs()
 {
+    QFETCH(QString, title);
     QFETCH(QSize, size);
     const auto dialog = make(QString::fromLatin1(QTest::currentDataTag()));
-    QCOMPARE(dialog->objectName(), QString::fromLatin1(QTest::currentDataTag()));
-    QTEST(dialog->windowTitle(), "title");
+    checkFixedDialog(*dialog, QString::fromLatin1(QTest::currentDataTag()), title, size);
     // A dialog as any other, without the button for help.
     QCOMPARE(dialog->windowFlags(), QDialog().windowFlags() & ~Qt::WindowContextHelpButtonHint);
     QTEST(dialog->font().pointSize(), "pointSize");
-    QCOMPARE(dialog->size(), cut(size));
-    QCOMPARE(dialog->minimumSize(), cut(size));
-    QCOMPARE(dialog->maximumSize(), cut(size));
 }
 
 void tst_serviceforms::places_data()
 {
-    QTest::addColumn<QString>("dialog");
-    QTest::addColumn<QString>("object");
-    QTest::addColumn<QString>("type");
-    QTest::addColumn<QRect>("place");
-    QTest::addColumn<QString>("text");
-
-    const auto add = [](const char *dialog, const char *object, const char *type, QRect place,
-                        const char *text = nullptr) {
-        QTest::addRow("%s, %s", dialog, object) << dialog << object << type << place << text;
-    };
+    addPlaceColumns();
     const auto addButton = [&](const char *object, int y, int height, const char *text) {
-        add("servicedlg", object, "QPushButton", QRect(290, y, 91, height), text);
+        addPlace("servicedlg", object, "QPushButton", QRect(290, y, 91, height), text);
     };
-    add("servicedlg", "tableWidget", "QTableWidget", QRect(10, 10, 275, 385));
+    addPlace("servicedlg", "tableWidget", "QTableWidget", QRect(10, 10, 275, 385));
     addButton("pushButton_Clear", 10, 40, "Clear\nStatus");
     addButton("pushButton_AisTest", 60, 40, "AIS\nTest");
     addButton("pushButton_Fw_Update", 110, 40, "Firmware\nUpdate");
@@ -142,41 +116,35 @@ void tst_serviceforms::places_data()
     addButton("pushButton_View_Password", 260, 40, "View\nPassword");
     addButton("pushButton_Change_Mode", 310, 40, "Change\nMode");
     addButton("pushButton_Exit", 360, 37, "Exit");
-    add("servicedlg", "pushButton_ChipID", "QPushButton", QRect(10, 400, 61, 20), "CHIP ID:");
-    add("servicedlg", "label_ChipID", "QLabel", QRect(70, 400, 311, 20), "WWWW WWWW WWWW WWWW ");
-    add("EnterPasswordDlg", "label", "QLabel", QRect(50, 10, 171, 16), "Enter Unlock Password:");
-    add("EnterPasswordDlg", "lineEdit_password", "QLineEdit", QRect(10, 30, 221, 21), "");
-    add("EnterPasswordDlg", "pushButton_Ok", "QPushButton", QRect(10, 60, 75, 23), "Ok");
-    add("EnterPasswordDlg", "pushButton_Cancel", "QPushButton", QRect(155, 60, 75, 23), "Cancel");
-    add("passwordDlg", "label_lock_password", "QLabel", QRect(10, 10, 151, 31),
-        "Enter Lock Password:    ");
-    add("passwordDlg", "lineEdit_lock_password", "QLineEdit", QRect(150, 10, 191, 27), "");
-    add("passwordDlg", "label_lock_password_2", "QLabel", QRect(10, 45, 151, 31),
-        "Confirm Lock Password:");
-    add("passwordDlg", "lineEdit_confirm_password", "QLineEdit", QRect(150, 45, 191, 27), "");
-    add("passwordDlg", "pushButton_Ok", "QPushButton", QRect(350, 10, 71, 23), "Ok");
-    add("passwordDlg", "pushButton_Cancel", "QPushButton", QRect(350, 45, 71, 23), "Cancel");
-    add("modeDlg", "label", "QLabel", QRect(10, 10, 71, 21), "Enter Mode:");
-    add("modeDlg", "lineEdit_mode", "QLineEdit", QRect(90, 10, 101, 20), "");
-    add("modeDlg", "pushButton_Ok", "QPushButton", QRect(20, 40, 75, 23), "Ok");
-    add("modeDlg", "pushButton_Cancel", "QPushButton", QRect(100, 40, 75, 23), "Cancel");
+    addPlace("servicedlg", "pushButton_ChipID", "QPushButton", QRect(10, 400, 61, 20), "CHIP ID:");
+    addPlace("servicedlg", "label_ChipID", "QLabel", QRect(70, 400, 311, 20),
+             "WWWW WWWW WWWW WWWW ");
+    addPlace("EnterPasswordDlg", "label", "QLabel", QRect(50, 10, 171, 16),
+             "Enter Unlock Password:");
+    addPlace("EnterPasswordDlg", "lineEdit_password", "QLineEdit", QRect(10, 30, 221, 21), "");
+    addPlace("EnterPasswordDlg", "pushButton_Ok", "QPushButton", QRect(10, 60, 75, 23), "Ok");
+    addPlace("EnterPasswordDlg", "pushButton_Cancel", "QPushButton", QRect(155, 60, 75, 23),
+             "Cancel");
+    addPlace("passwordDlg", "label_lock_password", "QLabel", QRect(10, 10, 151, 31),
+             "Enter Lock Password:    ");
+    addPlace("passwordDlg", "lineEdit_lock_password", "QLineEdit", QRect(150, 10, 191, 27), "");
+    addPlace("passwordDlg", "label_lock_password_2", "QLabel", QRect(10, 45, 151, 31),
+             "Confirm Lock Password:");
+    addPlace("passwordDlg", "lineEdit_confirm_password", "QLineEdit", QRect(150, 45, 191, 27), "");
+    addPlace("passwordDlg", "pushButton_Ok", "QPushButton", QRect(350, 10, 71, 23), "Ok");
+    addPlace("passwordDlg", "pushButton_Cancel", "QPushButton", QRect(350, 45, 71, 23), "Cancel");
+    addPlace("modeDlg", "label", "QLabel", QRect(10, 10, 71, 21), "Enter Mode:");
+    addPlace("modeDlg", "lineEdit_mode", "QLineEdit", QRect(90, 10, 101, 20), "");
+    addPlace("modeDlg", "pushButton_Ok", "QPushButton", QRect(20, 40, 75, 23), "Ok");
+    addPlace("modeDlg", "pushButton_Cancel", "QPushButton", QRect(100, 40, 75, 23), "Cancel");
 }
 
 void tst_serviceforms::places()
 {
     QFETCH(QString, dialog);
-    QFETCH(QString, object);
-    QFETCH(QRect, place);
-    QFETCH(QString, text);
     const auto window = make(dialog);
     window->show();
-    const auto *widget = window->findChild<QWidget *>(object);
-    QVERIFY(widget);
-    QTEST(QString::fromLatin1(widget->metaObject()->className()), "type");
-    QCOMPARE(widget->geometry(), cut(place));
-    QCOMPARE(widget->minimumSize(), cut(place.size()));
-    if (widget->property("text").isValid())
-        QCOMPARE(widget->property("text").toString(), text);
+    checkPlace(*window);
 }
 
 void tst_serviceforms::fonts()
@@ -274,11 +242,9 @@ void tst_serviceforms::nothingIsCutOff()
         } else if (qobject_cast<const QLineEdit *>(widget)) {
             QVERIFY2(widget->fontMetrics().height() <= widget->height() - 2, name);
         }
-        QVERIFY2(window->rect().contains(widget->geometry()), name);
+        QVERIFY2(isInsideParent(widget), name);
         const QRect rect(QPoint(left, widget->y()), place);
-        for (const QRect &other : qAsConst(taken))
-            QVERIFY2(!other.intersects(rect), name);
-        taken += rect;
+        QVERIFY2(takePlace(taken, rect), name);
     }
 }
 
@@ -339,12 +305,5 @@ void tst_serviceforms::chipFits()
     QVERIFY(textSize(label, label->text()).width() <= label->minimumWidth());
 }
 
-// QTEST_MAIN would draw the texts at 96 dots per inch on any screen.
-int main(int argc, char *argv[])
-{
-    QApplication application(argc, argv);
-    tst_serviceforms test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+TK7_FORM_TEST_MAIN(tst_serviceforms)
 #include "tst_serviceforms.moc"

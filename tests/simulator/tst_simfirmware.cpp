@@ -293,16 +293,19 @@ void TestSimFirmware::header_data()
         QTest::newRow(name) << bytes << good << major << minor << mode;
     };
     const QByteArray front = "fwVR48abcdefgh";
-    const auto tail = [](const char *text) { return QByteArray(text, 4); };
-    row("no mode", front + tail("\4\1\0\0"), true, 4, 1, "");
-    row("no mode, whatever follows", front + tail("\4\1\0X"), true, 4, 1, "");
-    row("mode of one letter", front + tail("\3\5N\0"), true, 3, 5, "N");
-    row("mode of two letters", front + tail("\3\5N7"), true, 3, 5, "N7");
-    row("mode that is no text", front + tail("\3\5*\r"), true, 3, 5, "");
-    row("great numbers", front + tail("\xff\x80\0\0"), true, 255, 128, "");
-    row("bytes behind it", front + tail("\4\1\0\0") + "more", true, 4, 1, "");
-    row("another beginning", "fwVR49abcdefgh" + tail("\4\1\0\0"), false, 0, 0, "");
-    row("a byte too few", front + tail("\4\1\0\0").left(3), false, 0, 0, "");
+    const auto tail = [](int majorVersion, int minorVersion, int first, int second) {
+        const char fields[] = {char(majorVersion), char(minorVersion), char(first), char(second)};
+        return QByteArray(fields, sizeof fields);
+    };
+    row("no mode", front + tail(4, 1, 0, 0), true, 4, 1, "");
+    row("no mode, whatever follows", front + tail(4, 1, 0, 'X'), true, 4, 1, "");
+    row("mode of one letter", front + tail(3, 5, 'N', 0), true, 3, 5, "N");
+    row("mode of two letters", front + tail(3, 5, 'N', '7'), true, 3, 5, "N7");
+    row("mode that is no text", front + tail(3, 5, '*', '\r'), true, 3, 5, "");
+    row("great numbers", front + tail(255, 128, 0, 0), true, 255, 128, "");
+    row("bytes behind it", front + tail(4, 1, 0, 0) + "more", true, 4, 1, "");
+    row("another beginning", "fwVR49abcdefgh" + tail(4, 1, 0, 0), false, 0, 0, "");
+    row("a byte too few", front + tail(4, 1, 0, 0).left(3), false, 0, 0, "");
 }
 
 void TestSimFirmware::header()
@@ -552,11 +555,11 @@ void TestSimFirmware::flashTakesItsTime()
     const QByteArray image = makeImage(20);
     qint64 begin = RouterSimulator::now();
     QCOMPARE(ask(start), ready);
-    QVERIFY(RouterSimulator::now() - begin >= duration * 1000);
+    QVERIFY(RouterSimulator::now() - begin >= qint64(duration) * 1000);
     QCOMPARE(ask(packet(image, 1)), acknowledgement(1));
     begin = RouterSimulator::now();
     QCOMPARE(ask(end), whole);
-    QVERIFY(RouterSimulator::now() - begin >= duration * 1000);
+    QVERIFY(RouterSimulator::now() - begin >= qint64(duration) * 1000);
 }
 
 void TestSimFirmware::packetBeforeItIsReady()

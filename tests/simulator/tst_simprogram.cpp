@@ -33,6 +33,8 @@ private slots:
     void optionsReachTheRouter();
     void faultsReachTheRouter();
     void handoverReachesTheRouter();
+    void aisOptionsReachTheRouter();
+    void aisReplayIsRefused();
     void keepsItsEeprom();
     void reportsABrokenEeprom();
     void verbosePrintsSentences();
@@ -58,10 +60,11 @@ private:
 namespace {
 
 constexpr int timeout = 10000;
-constexpr const char *allOptions[] = {
-    "--name",        "--speed", "--port",    "--firmware", "--mode",    "--bank",
-    "--eeprom",      "--rate",  "--silence", "--fault",    "--seed",    "--keep-speed",
-    "--list-faults", "--quiet", "--verbose", "--help",     "--handover"};
+constexpr const char *allOptions[] = {"--name",        "--speed",   "--port",      "--firmware",
+                                      "--mode",        "--bank",    "--eeprom",    "--rate",
+                                      "--silence",     "--fault",   "--seed",      "--keep-speed",
+                                      "--list-faults", "--quiet",   "--verbose",   "--help",
+                                      "--handover",    "--vessels", "--ais-replay"};
 
 } // namespace
 
@@ -208,6 +211,12 @@ void TestSimProgram::wrongUse_data()
     row(QStringLiteral("--port x"), "--port takes a number from 0 to 11");
     row(QStringLiteral("--rate -1"), "--rate takes a number from 0 to 1000");
     row(QStringLiteral("--rate 1001"), "--rate takes a number from 0 to 1000");
+    row(QStringLiteral("--vessels -1"), "--vessels takes a number from 0 to 20000");
+    row(QStringLiteral("--vessels 20001"), "--vessels takes a number from 0 to 20000");
+    row(QStringLiteral("--ais-replay file"), "--ais-replay file");
+    row(QStringLiteral("--ais-replay 12:file"), "--ais-replay 12:file");
+    row(QStringLiteral("--ais-replay x:file"), "--ais-replay x:file");
+    row(QStringLiteral("--ais-replay 3:"), "--ais-replay 3:");
     row(QStringLiteral("--reboot x"), "--reboot takes a number from 0 to 3600");
     row(QStringLiteral("--fault fw-silent-at=1.5"), "a wrong value");
     row(QStringLiteral("--fault fw-refuse=1"), "a wrong value");
@@ -311,6 +320,43 @@ void TestSimProgram::handoverReachesTheRouter()
     QTRY_VERIFY(m_tool->received().contains("$HCHDG"));
     QVERIFY(!m_tool->received().contains("$GP"));
     QVERIFY(!m_tool->received().contains("$HEHDT"));
+}
+
+void TestSimProgram::aisOptionsReachTheRouter()
+{
+    const QString file = runtimeFile(QStringLiteral("ais:lines"));
+    QFile lines(file);
+    QVERIFY(lines.open(QIODevice::WriteOnly));
+    QVERIFY(lines.write(withChecksum("!AIVDM,1,1,,B,177KQJ5000G?tO`K>RA1wUbN0TKH,0") + "torn\n")
+            > 0);
+    lines.close();
+    start({QStringLiteral("--vessels"), QStringLiteral("500"), QStringLiteral("--rate"),
+           QStringLiteral("10"), QStringLiteral("--ais-replay"), QStringLiteral("10:") + file});
+    QTRY_VERIFY(m_complaints.contains("left out"));
+    connectTool();
+    QVERIFY(m_tool->write("$VRATM,ON\r\n"));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        m_tool->received().contains(withChecksum("$VRAIM,1,1,,A,177KQJ5000G?tO`K>RA1wUbN0TKH,0")),
+        timeout);
+    // So many vessels are heard at all ports.
+    for (const char *port : {"0", "5", "B"}) {
+        const QByteArray head = QByteArray("$VRAIM,1,1,,") + port + ',';
+        QTRY_VERIFY_WITH_TIMEOUT(m_tool->received().contains(head), timeout);
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(m_output.endsWith("AIS test on\n"), timeout);
+    QVERIFY(m_tool->write("$VRATM,OFF\r\n"));
+    QTRY_VERIFY_WITH_TIMEOUT(m_output.endsWith("AIS test off\n"), timeout);
+}
+
+void TestSimProgram::aisReplayIsRefused()
+{
+    const QString file = runtimeFile(QStringLiteral("missing"));
+    m_program->start(QStringLiteral(TK7_ROUTER_SIM),
+                     {QStringLiteral("--ais-replay"), QStringLiteral("3:") + file});
+    QVERIFY(m_program->waitForFinished(timeout));
+    QCOMPARE(m_program->exitCode(), 1);
+    QVERIFY2(m_complaints.contains(file.toLocal8Bit()), m_complaints.constData());
+    QCOMPARE(m_output, QByteArray());
 }
 
 void TestSimProgram::keepsItsEeprom()

@@ -1,9 +1,11 @@
-#include "simulator/aisencoder.h"
 #include "simulator/monitorfeed.h"
+#include "simulator/neighbours.h"
 #include "simulator/nmeaequipment.h"
 #include "simulator/sentence.h"
 #include "simulator/ship.h"
 #include "simulator/trafficgenerator.h"
+
+#include "aisbits.h"
 
 #include <QSet>
 #include <QSignalSpy>
@@ -33,42 +35,6 @@ double arc(const QByteArray &field, int degreeDigits)
 {
     return field.left(degreeDigits).toDouble() + field.mid(degreeDigits).toDouble() / 60;
 }
-
-// Takes the bits of an AIS payload apart again.
-class Bits
-{
-public:
-    explicit Bits(const QByteArray &payload)
-    {
-        for (const char c : payload) {
-            const int value = c < 'X' ? c - '0' : c - '0' - 8;
-            for (int bit = 5; bit >= 0; --bit) {
-                m_bits.append((value >> bit) & 1);
-            }
-        }
-    }
-    int size() const { return m_bits.size(); }
-    quint32 number(int at, int width) const
-    {
-        quint32 value = 0;
-        for (int i = at; i < at + width; ++i) {
-            value = value * 2 + static_cast<quint32>(m_bits.at(i));
-        }
-        return value;
-    }
-    QByteArray text(int at, int length) const
-    {
-        QByteArray result;
-        for (int i = 0; i < length; ++i) {
-            const auto value = static_cast<char>(number(at + i * 6, 6));
-            result.append(value < 32 ? static_cast<char>(value + 64) : value);
-        }
-        return result;
-    }
-
-private:
-    QVector<int> m_bits;
-};
 
 } // namespace
 
@@ -293,7 +259,7 @@ void TestSimTraffic::aisPositionReports()
     QSet<quint32> ships;
     for (const TrafficLine &line : TrafficGenerator(start).inputTraffic(3, 0, minute)) {
         const auto f = fields(line.text);
-        const Bits bits(f.at(5));
+        const AisBits bits(f.at(5));
         if (f.at(1) != "1" || bits.number(0, 6) != 1) {
             continue;
         }
@@ -322,7 +288,7 @@ void TestSimTraffic::aisVoyageDataFitsTogether()
             firstParts.insert(f.at(3) + f.at(4), f.at(5));
             continue;
         }
-        const Bits bits(firstParts.take(f.at(3) + f.at(4)) + f.at(5));
+        const AisBits bits(firstParts.take(f.at(3) + f.at(4)) + f.at(5));
         QCOMPARE(bits.size() - f.at(6).toInt(), 424);
         QCOMPARE(bits.number(0, 6), 5U);
         names.insert(bits.text(112, 20));
@@ -338,7 +304,7 @@ void TestSimTraffic::aisLayout()
         123456789, 9876543, "ABC12", "SHIP 1", "HOME", 70, {10.5, -20.25, 1e-9, 3.0, 0}};
     const QByteArray body = aisPositionReport(vessel, 0, 42, 'B');
     QVERIFY(body.startsWith("!AIVDM,1,1,,B,"));
-    const Bits report(body.split(',').at(5));
+    const AisBits report(body.split(',').at(5));
     QCOMPARE(report.number(8, 30), 123456789U);
     QCOMPARE(report.number(50, 10), 30U);
     QCOMPARE(report.number(61, 28), (1U << 28) - 12150000U); // west is negative
@@ -352,7 +318,7 @@ void TestSimTraffic::aisLayout()
     QVERIFY(parts.at(1).startsWith("!AIVDM,2,2,3,A,"));
     QVERIFY(parts.at(0).endsWith(",0"));
     QVERIFY(parts.at(1).endsWith(",2"));
-    const Bits voyage(parts.at(0).split(',').at(5) + parts.at(1).split(',').at(5));
+    const AisBits voyage(parts.at(0).split(',').at(5) + parts.at(1).split(',').at(5));
     QCOMPARE(voyage.number(8, 30), 123456789U);
     QCOMPARE(voyage.number(40, 30), 9876543U);
     QCOMPARE(voyage.text(70, 7), QByteArray("ABC12@@"));

@@ -1,0 +1,330 @@
+#include "aisdialogs/aistestdlg.h"
+#include "link/nmeaserialport.h"
+#include "mainwindow/mainwindow.h"
+#include "platform/keyboard.h"
+#include "simulator/routersimulator.h"
+#include "support/aistestuser.h"
+#include "support/boxanswer.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QCommandLineParser>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QPushButton>
+#include <QSemaphore>
+#include <QTableWidget>
+#include <QThread>
+#include <QTimer>
+
+#include <cstdio>
+#include <ctime>
+#include <functional>
+
+/*!
+ * What the windows of an AIS test cost on a saturated line, and how long they keep the event loop
+ * waiting. The real window runs the test on a pseudo-terminal; the router and its world run in a
+ * thread of their own, which isn't counted.
+ */
+
+namespace {
+
+constexpr double msecsPerSecond = 1000;
+constexpr double nsecsPerMsec = 1e6;
+constexpr int lookInterval = 20; // ms
+constexpr int shareAim = 10;     // per cent of a core
+constexpr int gapAim = 20;       // ms
+
+// The columns of the test's table.
+constexpr int targetsColumn = 3;
+constexpr int listColumn = 4;
+
+// Milliseconds of the processor that this thread has had.
+double threadMsecs()
+{
+    timespec time;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return double(time.tv_sec) * msecsPerSecond + double(time.tv_nsec) / nsecsPerMsec;
+}
+
+// Goes on in the event loop; QTest's waits sleep in between, and would be measured, too.
+bool waitFor(const std::function<bool()> &isDone, int milliseconds)
+{
+    QEventLoop loop;
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
+        if (isDone())
+            loop.quit();
+    });
+    look.start(lookInterval);
+    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+    loop.exec();
+    return isDone();
+}
+
+void wait(int milliseconds)
+{
+    waitFor([] { return false; }, milliseconds);
+}
+
+// The router in its thread.
+class RouterThread : public QThread
+{
+public:
+    RouterThread(int vessels, const QVector<int> &ports) : m_vessels(vessels), m_ports(ports)
+    {
+        start();
+        m_isOpen.acquire();
+    }
+
+    ~RouterThread() override
+    {
+        quit();
+        wait();
+    }
+
+    QString deviceName() const { return m_deviceName; }
+
+protected:
+    void run() override
+    {
+        tk7sim::RouterSimulator router;
+        router.setTrafficRate(tk7sim::RouterSimulator::maxTrafficRate);
+        router.setAisVessels(m_vessels);
+        router.setAisPorts(m_ports);
+        if (!router.open())
+            qFatal("no pseudo-terminal: %s", qPrintable(router.errorString()));
+        m_deviceName = router.deviceName();
+        m_isOpen.release();
+        exec();
+    }
+
+private:
+    int m_vessels;
+    QVector<int> m_ports;
+    QString m_deviceName;
+    QSemaphore m_isOpen;
+};
+
+// A timer that should fire every few milliseconds, and how late it came.
+class Heartbeat
+{
+public:
+    Heartbeat()
+    {
+        m_timer.setTimerType(Qt::PreciseTimer);
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { beat(); });
+        m_sinceBeat.start();
+        m_atBeat = threadMsecs();
+        m_timer.start(interval);
+    }
+
+    double longestGap() const { return m_longestGap; }   //!< ms beyond the interval
+    double longestWork() const { return m_longestWork; } //!< ms of the processor between two beats
+
+private:
+    static constexpr int interval = 5;
+
+    void beat()
+    {
+        const double now = threadMsecs();
+        const double gap = double(m_sinceBeat.nsecsElapsed()) / nsecsPerMsec - interval;
+        m_longestGap = qMax(m_longestGap, gap);
+        m_longestWork = qMax(m_longestWork, now - m_atBeat);
+        m_atBeat = now;
+        m_sinceBeat.restart();
+    }
+
+    QTimer m_timer;
+    QElapsedTimer m_sinceBeat;
+    double m_atBeat = 0;
+    double m_longestGap = 0;
+    double m_longestWork = 0;
+};
+
+// The same heartbeat in a thread that does nothing else: how late the machine is of its own.
+class IdleThread : public QThread
+{
+public:
+    IdleThread() { start(); }
+    ~IdleThread() override { stop(); }
+
+    double stop()
+    {
+        quit();
+        wait();
+        return m_longestGap;
+    }
+
+protected:
+    void run() override
+    {
+        const Heartbeat heart;
+        exec();
+        m_longestGap = heart.longestGap();
+    }
+
+private:
+    double m_longestGap = 0;
+};
+
+struct Load
+{
+    const char *name;
+    int vessels;
+    QVector<int> ports; // empty: all
+};
+
+// A run of the AIS test under one load: its phases, a line of the table for each.
+class Run
+{
+public:
+    Run(const Load &load, int seconds) : m_load(load), m_seconds(seconds) { }
+
+    bool isMet() const { return m_isMet; }
+
+    /*! False if the test has not come through. */
+    bool go()
+    {
+        const RouterThread router(m_load.vessels, m_load.ports);
+        MainWindow window;
+        window.show();
+        BoxAnswer boxes;
+        boxes.expect({QStringLiteral("TK-7 Router"),
+                      QStringLiteral("NMEA Router TK-7 connected\n   Download rules complete"),
+                      QMessageBox::Information});
+        auto *device = window.findChild<QComboBox *>(QStringLiteral("comboBox_connect_port"));
+        device->addItem(router.deviceName());
+        device->setCurrentText(router.deviceName());
+        click(window, "pushButton_connect", true);
+        constexpr int longestDownload = 20000; // ms
+        if (!waitFor([&] { return boxes.isDone() && window.isConnected(); }, longestDownload))
+            return false;
+        wait(longestAnswer); // the version is told behind the download
+        QObject::connect(window.currentLink(), &NmeaSerialPort::signalVRAISMessage, &boxes,
+                         [this] { ++m_sentences; });
+
+        QTimer::singleShot(0, &boxes, [&] {
+            if (auto *service = QApplication::activeModalWidget())
+                click(*service, "pushButton_AisTest");
+        });
+        const AisTestUser user([this](aistestdlg &dialog) { measure(dialog); });
+        click(window, "pushButton_Service");
+        return user.hasCome() && m_hasMeasured;
+    }
+
+private:
+    static constexpr int longestAnswer = 1000; // ms
+    static constexpr int longestFill = 120000; // ms
+
+    static void click(const QWidget &window, const char *name, bool enable = false)
+    {
+        auto *button = window.findChild<QPushButton *>(QString::fromLatin1(name));
+        if (enable)
+            button->setEnabled(true);
+        button->click();
+    }
+
+    void measure(aistestdlg &dialog)
+    {
+        m_table = dialog.findChild<QTableWidget *>(QStringLiteral("ais_table"));
+        const int enough = m_load.vessels * 9 / 10;
+        phase("no list, vessels arriving",
+              [&] { waitFor([&] { return targetCount() >= enough; }, longestFill); });
+        phase("no list");
+        phase(
+            "opening a list", [&] { open(0); }, 1);
+        phase("one list");
+        for (int row = 1; row < m_table->rowCount(); ++row)
+            open(row);
+        wait(longestAnswer);
+        phase("all lists");
+        m_hasMeasured = true;
+    }
+
+    void open(int row)
+    {
+        m_table->cellWidget(row, listColumn)->findChild<QPushButton *>()->click();
+        wait(lookInterval);
+    }
+
+    int targetCount() const
+    {
+        int count = 0;
+        for (int row = 0; row < m_table->rowCount(); ++row)
+            count += m_table->item(row, targetsColumn)->text().toInt();
+        return count;
+    }
+
+    void phase(const char *name)
+    {
+        phase(name, [this] { wait(m_seconds * 1000); });
+    }
+
+    void phase(const char *name, const std::function<void()> &use, int leastSeconds = 0)
+    {
+        const qint64 sentencesBefore = m_sentences;
+        QElapsedTimer clock;
+        clock.start();
+        const double before = threadMsecs();
+        IdleThread idle;
+        const Heartbeat heart;
+        use();
+        wait(leastSeconds * 1000);
+        const double used = threadMsecs() - before;
+        const auto elapsed = double(clock.nsecsElapsed()) / nsecsPerMsec;
+        const double share = 100 * used / elapsed;
+        std::printf("%-22s %-26s %5d %8d %11.0f %8.1f %% %9.1f %9.1f %9.1f\n", m_load.name, name,
+                    m_table->rowCount(), targetCount(),
+                    double(m_sentences - sentencesBefore) * msecsPerSecond / elapsed, share,
+                    heart.longestGap(), idle.stop(), heart.longestWork());
+        std::fflush(stdout);
+        m_isMet = m_isMet && share < shareAim && heart.longestWork() < gapAim;
+    }
+
+    Load m_load;
+    int m_seconds;
+    QTableWidget *m_table = nullptr;
+    qint64 m_sentences = 0;
+    bool m_hasMeasured = false;
+    bool m_isMet = true;
+};
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    QCommandLineParser parser;
+    parser.addHelpOption();
+    parser.addOption({QStringLiteral("seconds"), QStringLiteral("Length of a phase."),
+                      QStringLiteral("n"), QStringLiteral("10")});
+    parser.process(app);
+    const int seconds = parser.value(QStringLiteral("seconds")).toInt();
+    platform::setLeftControlSource([] { return true; });
+
+    const Load loads[] = {
+        {"12 ports", 100, {}},
+        {"12 ports", 1000, {}},
+        {"12 ports", 3000, {}},
+        {"all on one port", 3000, {3}},
+    };
+    std::printf("AIS test on a saturated line of 115200 baud\n\n");
+    std::printf("%-22s %-26s %5s %8s %11s %10s %9s %9s %9s\n", "load", "windows", "ports",
+                "targets", "sentences/s", "core", "late, ms", "idle, ms", "busy, ms");
+    bool isMet = true;
+    for (const Load &load : loads) {
+        Run run(load, seconds);
+        if (!run.go()) {
+            std::printf("The test did not come through.\n");
+            return 1;
+        }
+        isMet = isMet && run.isMet();
+    }
+    std::printf("\nUnder %d %% of a core and %d ms of work at a stretch: %s\n", shareAim, gapAim,
+                isMet ? "met" : "missed");
+    return 0;
+}

@@ -1,0 +1,250 @@
+#include "ais/qais.h"
+#include "aisdialogs/aisalarmlistdlg.h"
+
+#include <QHeaderView>
+#include <QSignalSpy>
+#include <QTableWidget>
+#include <QTest>
+
+#include <memory>
+
+/*! The alarms of one input port. */
+class tst_aisalarmlistdlg : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void texts_data();
+    void texts();
+    void unknownAlarms();
+    void tellsWhetherItWrote();
+    void writesOnChangeOnly();
+    void rightRowThoughItMoves_data();
+    void rightRowThoughItMoves();
+    void sortSurvivesANewRow();
+    void rebuilds();
+    void rebuildsManyInAMoment();
+    void resizes_data();
+    void resizes();
+
+private:
+    void alarm(quint8 id, bool condition, bool acknowledged, const QString &text, int hour = 12,
+               int minute = 5, int second = 34)
+    {
+        m_ais->updateAlarm(id, quint8(hour), quint8(minute), quint8(second), condition,
+                           acknowledged, text);
+    }
+    QTableWidget *table() const { return m_list->findChild<QTableWidget *>("ais_alarm_list"); }
+    QStringList column(int number) const;
+    QStringList row(int number) const;
+
+    std::unique_ptr<QAis> m_ais;
+    std::unique_ptr<AisAlarmListDlg> m_list;
+};
+
+namespace {
+
+const QString text = QStringLiteral("AIS: Tx malfunction*");
+
+} // namespace
+
+void tst_aisalarmlistdlg::init()
+{
+    m_ais = std::make_unique<QAis>();
+    m_ais->setPortNumber(9);
+    m_list = std::make_unique<AisAlarmListDlg>(nullptr);
+    m_list->setAis(m_ais.get());
+    m_list->show();
+}
+
+QStringList tst_aisalarmlistdlg::column(int number) const
+{
+    QStringList cells;
+    for (int i = 0; i < table()->rowCount(); ++i)
+        cells += table()->item(i, number)->text();
+    return cells;
+}
+
+QStringList tst_aisalarmlistdlg::row(int number) const
+{
+    QStringList cells;
+    for (int i = 0; i < table()->columnCount(); ++i)
+        cells += table()->item(number, i)->text();
+    return cells;
+}
+
+void tst_aisalarmlistdlg::texts_data()
+{
+    QTest::addColumn<int>("id");
+    QTest::addColumn<bool>("condition");
+    QTest::addColumn<bool>("acknowledged");
+    QTest::addColumn<QTime>("time");
+    QTest::addColumn<QStringList>("cells");
+
+    QTest::newRow("exceeded, not acknowledged")
+        << 5 << true << false << QTime(12, 5, 34)
+        << QStringList({"5", "12:05:34", "exceeded", "no", text});
+    QTest::newRow("not exceeded, acknowledged")
+        << 255 << false << true << QTime(0, 0, 0)
+        << QStringList({"255", "00:00:00", "not exceeded", "yes", text});
+    QTest::newRow("exceeded, acknowledged")
+        << 0 << true << true << QTime(23, 59, 59)
+        << QStringList({"0", "23:59:59", "exceeded", "yes", text});
+    QTest::newRow("not exceeded, not acknowledged")
+        << 26 << false << false << QTime(1, 2, 3)
+        << QStringList({"26", "01:02:03", "not exceeded", "no", text});
+}
+
+void tst_aisalarmlistdlg::texts()
+{
+    QFETCH(int, id);
+    QFETCH(bool, condition);
+    QFETCH(bool, acknowledged);
+    QFETCH(QTime, time);
+    alarm(quint8(id), condition, acknowledged, text, time.hour(), time.minute(), time.second());
+    QVERIFY(m_list->showAlarm(quint8(id)));
+    QCOMPARE(table()->rowCount(), 1);
+    QTEST(row(0), "cells");
+    for (int i = 0; i < 4; ++i)
+        QCOMPARE(table()->item(0, i)->textAlignment(), int(Qt::AlignCenter));
+    QCOMPARE(table()->item(0, 4)->textAlignment(), int(Qt::AlignLeft | Qt::AlignVCenter));
+}
+
+void tst_aisalarmlistdlg::unknownAlarms()
+{
+    QVERIFY(!m_list->showAlarm(5));
+    AisAlarmListDlg withoutPort(nullptr);
+    QVERIFY(!withoutPort.showAlarm(5));
+    withoutPort.rebuild();
+    QCOMPARE(table()->rowCount(), 0);
+}
+
+void tst_aisalarmlistdlg::tellsWhetherItWrote()
+{
+    alarm(5, true, false, text);
+    QVERIFY(m_list->showAlarm(5));
+    QVERIFY(!m_list->showAlarm(5));
+    alarm(5, true, true, text);
+    QVERIFY(m_list->showAlarm(5));
+    alarm(5, true, true, text, 13);
+    QVERIFY(m_list->showAlarm(5));
+    QVERIFY(!m_list->showAlarm(5));
+}
+
+void tst_aisalarmlistdlg::writesOnChangeOnly()
+{
+    alarm(5, true, false, text);
+    m_list->showAlarm(5);
+    QSignalSpy written(table(), &QTableWidget::cellChanged);
+    m_list->showAlarm(5);
+    QCOMPARE(written.size(), 0);
+    alarm(5, true, true, text);
+    m_list->showAlarm(5);
+    QCOMPARE(written.size(), 1);
+    QCOMPARE(written.at(0).at(1).toInt(), 3);
+}
+
+void tst_aisalarmlistdlg::rightRowThoughItMoves_data()
+{
+    QTest::addColumn<int>("sortColumn");
+    QTest::addColumn<Qt::SortOrder>("order");
+
+    for (int column = 0; column < 5; ++column) {
+        QTest::addRow("column %d, ascending", column) << column << Qt::AscendingOrder;
+        QTest::addRow("column %d, descending", column) << column << Qt::DescendingOrder;
+    }
+}
+
+// Sorting stays on while an existing row is written, so that it can move under the writer.
+void tst_aisalarmlistdlg::rightRowThoughItMoves()
+{
+    QFETCH(int, sortColumn);
+    QFETCH(Qt::SortOrder, order);
+    table()->sortByColumn(sortColumn, order);
+    alarm(1, false, false, QStringLiteral("B*"), 10);
+    alarm(2, false, true, QStringLiteral("D*"), 11);
+    alarm(3, true, false, QStringLiteral("F*"), 12);
+    for (quint8 id = 1; id <= 3; ++id)
+        m_list->showAlarm(id);
+    alarm(2, true, false, QStringLiteral("G*"), 13);
+    m_list->showAlarm(2);
+    alarm(3, false, true, QStringLiteral("A*"), 9);
+    m_list->showAlarm(3);
+
+    QVERIFY(table()->isSortingEnabled());
+    QSet<QStringList> rows;
+    for (int i = 0; i < 3; ++i)
+        rows += row(i);
+    QCOMPARE(rows,
+             QSet<QStringList>({{"1", "10:05:34", "not exceeded", "no", "B*"},
+                                {"2", "13:05:34", "exceeded", "no", "G*"},
+                                {"3", "09:05:34", "not exceeded", "yes", "A*"}}));
+    QStringList keys = column(sortColumn);
+    if (order == Qt::DescendingOrder)
+        std::reverse(keys.begin(), keys.end());
+    QVERIFY(std::is_sorted(keys.begin(), keys.end()));
+}
+
+void tst_aisalarmlistdlg::sortSurvivesANewRow()
+{
+    table()->sortByColumn(4, Qt::DescendingOrder);
+    for (quint8 id = 1; id <= 3; ++id) {
+        alarm(id, true, true, QString(QChar('A' + id)));
+        m_list->showAlarm(id);
+    }
+    QCOMPARE(column(4), QStringList({"D", "C", "B"}));
+    QCOMPARE(table()->horizontalHeader()->sortIndicatorSection(), 4);
+    QCOMPARE(table()->horizontalHeader()->sortIndicatorOrder(), Qt::DescendingOrder);
+}
+
+void tst_aisalarmlistdlg::rebuilds()
+{
+    m_list->rebuild();
+    QCOMPARE(table()->rowCount(), 0);
+    for (const quint8 id : {quint8(7), quint8(3), quint8(9)})
+        alarm(id, true, false, text);
+    table()->sortByColumn(0, Qt::AscendingOrder);
+    m_list->rebuild();
+    QCOMPARE(column(0), QStringList({"3", "7", "9"}));
+    m_list->rebuild();
+    QCOMPARE(column(0), QStringList({"3", "7", "9"}));
+}
+
+// As many as a port can have; the event loop waits meanwhile.
+void tst_aisalarmlistdlg::rebuildsManyInAMoment()
+{
+    constexpr int longest = 500; // ms; some 20 on an idle machine
+    for (int id = 0; id < 256; ++id)
+        alarm(quint8(id), id % 2, id % 3, text, id % 24, id % 60, id % 60);
+    QElapsedTimer timer;
+    timer.start();
+    m_list->rebuild();
+    QVERIFY2(timer.elapsed() < longest, qPrintable(QString::number(timer.elapsed())));
+    QCOMPARE(table()->rowCount(), 256);
+}
+
+void tst_aisalarmlistdlg::resizes_data()
+{
+    QTest::addColumn<QSize>("window");
+    QTest::addColumn<QSize>("list");
+
+    QTest::newRow("larger") << QSize(800, 400) << QSize(798, 394);
+    QTest::newRow("smaller") << QSize(300, 100) << QSize(298, 94);
+    QTest::newRow("lowest") << QSize(300, 10) << QSize(298, 4);
+    QTest::newRow("too low: nothing happens") << QSize(300, 9) << QSize(618, 214);
+    QTest::newRow("narrowest") << QSize(1, 100) << QSize(1, 94);
+}
+
+void tst_aisalarmlistdlg::resizes()
+{
+    QFETCH(QSize, window);
+    m_list->resize(620, 220);
+    QCOMPARE(table()->size(), QSize(618, 214));
+    m_list->resize(window);
+    QCOMPARE(m_list->size(), window);
+    QTEST(table()->size(), "list");
+}
+
+QTEST_MAIN(tst_aisalarmlistdlg)
+#include "tst_aisalarmlistdlg.moc"
