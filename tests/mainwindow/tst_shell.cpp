@@ -1,4 +1,5 @@
 #include "mainwindow/mainwindow.h"
+#include "support/formcheck.h"
 #include "widgets/uiscale.h"
 
 #include <QComboBox>
@@ -347,5 +348,5 @@ void tst_shell::noPortDisablesConnect()
     QCOMPARE(connectButton->isEnabled(), !listed(window).isEmpty());
 }
 
-QTEST_MAIN(tst_shell)
+TK7_FORM_TEST_MAIN(tst_shell)
 #include "tst_shell.moc"
