@@ -37,8 +37,11 @@ QList<ReceivedLine> Listener::heard() const
     QList<ReceivedLine> lines;
     const auto &transcript = m_router.transcript();
     for (int i = m_checked; i < transcript.size(); ++i) {
-        if (transcript[i].line != "$VRCNC\r\n")
+        const QByteArray &line = transcript[i].line;
+        if (std::none_of(m_ignored.begin(), m_ignored.end(),
+                         [&](const QByteArray &ignored) { return line.startsWith(ignored); })) {
             lines += transcript[i];
+        }
     }
     return lines;
 }
@@ -52,7 +55,7 @@ QList<ReceivedLine> Listener::expect(const QList<QByteArray> &lines, int millise
     require(isRight,
             QStringLiteral("the router should have heard %1, but it heard %2")
                 .arg(listOf(lines), listOf(textsOf(all))));
-    m_checked = m_router.transcript().size();
+    forget();
     return all;
 }
 

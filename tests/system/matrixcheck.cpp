@@ -1,5 +1,6 @@
 #include "matrixcheck.h"
 
+#include "likeness.h"
 #include "tool.h"
 
 #include <QVector>
@@ -44,54 +45,6 @@ double shareOfHue(const QImage &image, const QColor &color)
         }
     }
     return static_cast<double>(count) / (image.width() * image.height());
-}
-
-// The same to the eye. Gradients that are laid at different heights differ by a rounding.
-bool lookAlike(const QImage &a, const QImage &b)
-{
-    constexpr int tolerance = 8; // of 255
-    if (a.size() != b.size())
-        return false;
-    const auto isNear = [](QRgb p, QRgb q) {
-        return std::abs(qRed(p) - qRed(q)) <= tolerance
-            && std::abs(qGreen(p) - qGreen(q)) <= tolerance
-            && std::abs(qBlue(p) - qBlue(q)) <= tolerance;
-    };
-    for (int y = 0; y < a.height(); ++y) {
-        const auto *one = reinterpret_cast<const QRgb *>(a.constScanLine(y));
-        const auto *other = reinterpret_cast<const QRgb *>(b.constScanLine(y));
-        if (!std::equal(one, one + a.width(), other, isNear))
-            return false;
-    }
-    return true;
-}
-
-// What a part of the window looks like, and what it stands for.
-struct Sight
-{
-    QImage picture;
-    QByteArray meaning;
-};
-
-// Parts of one kind look alike if, and only if, they stand for the same. The first two that break
-// that, by their numbers.
-QString likenessProblem(const char *kind, const QVector<Sight> &sights)
-{
-    for (int i = 0; i < sights.size(); ++i) {
-        for (int j = 0; j < i; ++j) {
-            const bool areAlike = lookAlike(sights[i].picture, sights[j].picture);
-            if (areAlike == (sights[i].meaning == sights[j].meaning))
-                continue;
-            return QStringLiteral("%1 %2 (%3) and %4 (%5) look %6")
-                .arg(QLatin1String(kind))
-                .arg(j)
-                .arg(QString::fromLatin1(sights[j].meaning))
-                .arg(i)
-                .arg(QString::fromLatin1(sights[i].meaning),
-                     areAlike ? QStringLiteral("alike") : QStringLiteral("different"));
-        }
-    }
-    return QString();
 }
 
 // Where a port's label lies: its home, or a cell of the table.

@@ -58,6 +58,11 @@ QRect ScreenMap::loadFromFile() const
     return at(614, 6, 90, 35);
 }
 
+QRect ScreenMap::logo() const
+{
+    return at(744, 6, 90, 35);
+}
+
 QRect ScreenMap::returnInputs() const
 {
     return at(720, 49, 12, 547);
@@ -110,6 +115,11 @@ QRect ScreenMap::filterCheck(int channel) const
     return at(channelTable.x() + 254, channelTable.y() + 2 + channelPitch * channel, 50, 16);
 }
 
+QRect ScreenMap::filterSet(int channel) const
+{
+    return at(channelTable.x() + 256, channelTable.y() + 20 + channelPitch * channel, 46, 18);
+}
+
 QRect ScreenMap::crsCheck(int channel) const
 {
     return at(channelTable.x() + 312, channelTable.y() + 2 + channelPitch * channel, 50, 16);
@@ -146,6 +156,16 @@ QRect ScreenMap::monitorList() const
     return at(panel.x() + 8, panel.y() + 36, 800, 120);
 }
 
+QRect ScreenMap::monitorHeads() const
+{
+    return at(panel.x() + 7, panel.y() + 26, 34, 152);
+}
+
+QRect ScreenMap::checksumErrors() const
+{
+    return at(panel.x() + 510, panel.y() + 6, 141, 18);
+}
+
 QRect ScreenMap::playButton() const
 {
     return at(panel.x() + 6, panel.y() + 3, 33, 25);
@@ -159,6 +179,11 @@ QRect ScreenMap::foldButton() const
 QRect ScreenMap::speedViewButton() const
 {
     return at(panel.x() + 810, panel.y() + 3, 33, 25);
+}
+
+QRect ScreenMap::lockLabel() const
+{
+    return at(panel.x() + 200, panel.y() + 172, 56, 20);
 }
 
 int ScreenMap::foldedHeight() const

@@ -19,6 +19,8 @@ public:
     QRect saveInRouter() const;
     QRect saveToFile() const;
     QRect loadFromFile() const;
+    //! The maker's logo, behind which the service functions are.
+    QRect logo() const;
 
     // The column of the output ports
     QRect outputButton(int port) const;
@@ -35,6 +37,7 @@ public:
     QRect mainCell(int channel) const;
     QRect reserveCell(int channel) const;
     QRect filterCheck(int channel) const;
+    QRect filterSet(int channel) const;
     QRect crsCheck(int channel) const;
     QRect hdrCheck(int channel) const;
     QRect header(int channel) const;
@@ -49,10 +52,15 @@ public:
     // The panel at the bottom
     QRect monitorTitle() const;
     QRect monitorList() const;
+    //! The left end of its lines, no wider than the head of a sentence, and a bit above and below.
+    QRect monitorHeads() const;
+    //! The number of sentences with a wrong checksum; empty if there is none.
+    QRect checksumErrors() const;
     QRect playButton() const;
     //! Folds the panel; at the same place of the folded one is the button that unfolds it.
     QRect foldButton() const;
     QRect speedViewButton() const;
+    QRect lockLabel() const;
 
     //! The window's height with the panel folded.
     int foldedHeight() const;

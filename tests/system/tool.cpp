@@ -4,6 +4,7 @@
 #include "wait.h"
 
 #include <QFile>
+#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -11,9 +12,10 @@
 
 namespace {
 
-constexpr int startLimit = 5000;  // ms
-constexpr int windowLimit = 3000; // ms
-constexpr int exitLimit = 3000;   // ms
+// Milliseconds.
+constexpr int startLimit = 20000;
+constexpr int windowLimit = 10000;
+constexpr int killLimit = 5000;
 
 // A hand's way from one place to another.
 constexpr int glideSteps = 12;
@@ -29,7 +31,7 @@ Tool::~Tool()
     if (!isRunning())
         return;
     m_process.kill();
-    m_process.waitForFinished(exitLimit);
+    m_process.waitForFinished(killLimit);
 }
 
 void Tool::start(const QString &program)
@@ -60,10 +62,17 @@ double Tool::processorTime() const
     return ticks / static_cast<double>(sysconf(_SC_CLK_TCK));
 }
 
+// The window manager may have taken the frame of a window away when Qt asks where it is; Qt says
+// so.
 QString Tool::output()
 {
+    static const QRegularExpression frameHasGone(
+        QStringLiteral(
+            R"(^qt\.qpa\.xcb: QXcbConnection: XCB error: 3 \(BadWindow\).*\(TranslateCoords\).*\n?)"),
+        QRegularExpression::MultilineOption);
     return QString::fromLocal8Bit(m_process.readAllStandardError()
-                                  + m_process.readAllStandardOutput());
+                                  + m_process.readAllStandardOutput())
+        .remove(frameHasGone);
 }
 
 QVector<XDesktop::Window> Tool::windows() const
@@ -119,15 +128,38 @@ void Tool::awaitNoPopup()
     await(isGone, windowLimit, QStringLiteral("what popped up stays"));
 }
 
-void Tool::acceptBox(const XDesktop::Window &box)
+void Tool::awaitKeys(const XDesktop::Window &window)
 {
-    m_desktop.strike("Return");
+    await([&] { return m_desktop.focusWindow() == window.id; }, windowLimit,
+          QStringLiteral("the window \"%1\" doesn't have the keys").arg(window.title));
+}
+
+void Tool::awaitGone(const XDesktop::Window &window)
+{
     const auto isGone = [&] {
         const QVector<XDesktop::Window> all = windows();
-        return std::none_of(all.begin(), all.end(), [&](const auto &w) { return w.id == box.id; })
-            && m_desktop.focusWindow() != box.id;
+        return std::none_of(all.begin(), all.end(),
+                            [&](const auto &w) { return w.id == window.id; })
+            && m_desktop.focusWindow() != window.id;
     };
-    await(isGone, windowLimit, QStringLiteral("the box \"%1\" stays").arg(box.title));
+    await(isGone, windowLimit, QStringLiteral("the window \"%1\" stays").arg(window.title));
+}
+
+void Tool::closeByKey(const XDesktop::Window &window, const char *key)
+{
+    awaitKeys(window);
+    m_desktop.strike(key);
+    awaitGone(window);
+}
+
+void Tool::acceptBox(const XDesktop::Window &box)
+{
+    closeByKey(box, "Return");
+}
+
+void Tool::leaveBox(const XDesktop::Window &box)
+{
+    closeByKey(box, "Escape");
 }
 
 void Tool::adoptMainWindow(const QString &title)
@@ -150,6 +182,18 @@ QImage Tool::look(const QRect &place) const
     return m_desktop.picture(place.translated(mainWindow().place.topLeft()));
 }
 
+QRect Tool::onScreen(const XDesktop::Window &window, const QRect &place) const
+{
+    return QRect(m_map.scaled(place.x()), m_map.scaled(place.y()), m_map.scaled(place.width()),
+                 m_map.scaled(place.height()))
+        .translated(window.place.topLeft());
+}
+
+QImage Tool::look(const XDesktop::Window &window, const QRect &place) const
+{
+    return m_desktop.picture(onScreen(window, place));
+}
+
 QImage Tool::picture() const
 {
     QRect all;
@@ -159,17 +203,49 @@ QImage Tool::picture() const
     return m_desktop.picture(all);
 }
 
+QImage Tool::dialogPicture() const
+{
+    const QVector<XDesktop::Window> all = windows();
+    for (const XDesktop::Window &window : all) {
+        if (window.id == m_desktop.focusWindow() && window.id != m_mainWindow)
+            return m_desktop.picture(window.frame);
+    }
+    return QImage();
+}
+
 QPoint Tool::middleOf(const QRect &place) const
 {
     return mainWindow().place.topLeft() + place.center();
 }
 
-void Tool::click(const QRect &place, XDesktop::Button button)
+void Tool::clickAt(QPoint point, XDesktop::Button button)
 {
-    glideTo(middleOf(place));
+    glideTo(point);
     m_desktop.press(button);
     runFor(clickHold);
     m_desktop.release(button);
+}
+
+void Tool::click(const QRect &place, XDesktop::Button button)
+{
+    clickAt(middleOf(place), button);
+}
+
+void Tool::click(const XDesktop::Window &window, const QRect &place)
+{
+    clickAt(onScreen(window, place).center(), XDesktop::LeftButton);
+}
+
+void Tool::clickAt(const XDesktop::Window &window, QPoint point)
+{
+    clickAt(window.place.topLeft() + point, XDesktop::LeftButton);
+}
+
+void Tool::doubleClickAt(const XDesktop::Window &window, QPoint point)
+{
+    clickAt(window, point);
+    m_desktop.press(XDesktop::LeftButton);
+    m_desktop.release(XDesktop::LeftButton);
 }
 
 void Tool::glideTo(QPoint target)

@@ -32,7 +32,7 @@ public:
     double processorTime() const;
     int exitCode() const { return m_process.exitCode(); }
     bool hasCrashed() const { return m_process.exitStatus() == QProcess::CrashExit; }
-    //! What the tool has written to its two outputs.
+    //! What the tool has written to its two outputs since the last call.
     QString output();
 
     // Windows
@@ -42,8 +42,14 @@ public:
     //! Waits for a window without a frame: a list, a dialog of that kind, the picture of a drag.
     XDesktop::Window awaitPopup(int milliseconds);
     void awaitNoPopup();
-    //! Strikes Return in the message box \a box, which has the keys, and waits until it has gone.
+    //! Waits until \a window has the keys.
+    void awaitKeys(const XDesktop::Window &window);
+    //! Waits until \a window has closed and given the keys back.
+    void awaitGone(const XDesktop::Window &window);
+    //! Strikes Return in \a box and waits until it has gone.
     void acceptBox(const XDesktop::Window &box);
+    //! The same with Escape.
+    void leaveBox(const XDesktop::Window &box);
     //! Makes \a title the main window: the one that the places are in.
     void adoptMainWindow(const QString &title);
     //! The main window as it is now.
@@ -55,8 +61,12 @@ public:
     QImage pictureOnScreen(const QRect &place) const { return m_desktop.picture(place); }
     //! What is seen at \a place of the main window.
     QImage look(const QRect &place) const;
+    //! What is seen at \a place of the dialog \a window, in design pixels.
+    QImage look(const XDesktop::Window &window, const QRect &place) const;
     //! All windows of the tool with their frames.
     QImage picture() const;
+    //! The window that has the keys, with its frame; a null image if that is the main window.
+    QImage dialogPicture() const;
 
     // Doing
 
@@ -64,6 +74,11 @@ public:
     //! The middle of \a place of the main window, on the screen.
     QPoint middleOf(const QRect &place) const;
     void click(const QRect &place, XDesktop::Button button = XDesktop::LeftButton);
+    //! Clicks on the middle of \a place of the dialog \a window, in design pixels.
+    void click(const XDesktop::Window &window, const QRect &place);
+    //! Clicks on \a point of the dialog \a window, in pixels; the second twice in a row.
+    void clickAt(const XDesktop::Window &window, QPoint point);
+    void doubleClickAt(const XDesktop::Window &window, QPoint point);
     //! Moves the mouse to \a target as a hand does, over the places between.
     void glideTo(QPoint target);
     //! Moves the mouse away from the window, so that nothing is lit up under it.
@@ -71,6 +86,9 @@ public:
 
 private:
     QVector<XDesktop::Window> windows() const;
+    void closeByKey(const XDesktop::Window &window, const char *key);
+    QRect onScreen(const XDesktop::Window &window, const QRect &place) const;
+    void clickAt(QPoint point, XDesktop::Button button);
 
     XDesktop m_desktop;
     ScreenMap m_map;

@@ -2,7 +2,6 @@
 
 #include "stepfailure.h"
 
-#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QTimer>
 
@@ -49,4 +48,10 @@ void awaitNoProblem(const std::function<QString()> &problem, int milliseconds)
     };
     if (!waitUntil(isSolved, milliseconds))
         throw StepFailure{last};
+}
+
+double secondsOf(const QElapsedTimer &timer)
+{
+    constexpr double millisecondsPerSecond = 1000;
+    return static_cast<double>(timer.elapsed()) / millisecondsPerSecond;
 }

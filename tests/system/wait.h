@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QString>
 
 #include <functional>
@@ -21,3 +22,6 @@ void awaitNoProblem(const std::function<QString()> &problem, int milliseconds);
 
 /*! Runs the event loop for \a milliseconds: the pace of a user's hand. */
 void runFor(int milliseconds);
+
+/*! The seconds since \a timer was started. */
+double secondsOf(const QElapsedTimer &timer);

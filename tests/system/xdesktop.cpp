@@ -269,6 +269,18 @@ void XDesktop::strike(const char *name, const char *modifier)
     d->strike(d->keyCode(name), modifier ? d->keyCode(modifier) : KeyCode(0));
 }
 
+void XDesktop::holdKey(const char *name)
+{
+    d->key(d->keyCode(name), true);
+    XSync(d->display, False);
+}
+
+void XDesktop::releaseKey(const char *name)
+{
+    d->key(d->keyCode(name), false);
+    XSync(d->display, False);
+}
+
 void XDesktop::type(const QString &text)
 {
     constexpr int plainLevel = 0;

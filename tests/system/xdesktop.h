@@ -50,6 +50,9 @@ public:
     void release(Button button);
     //! Strikes the key \a name ("Return", "F4"), with the key \a modifier held down, if any.
     void strike(const char *name, const char *modifier = nullptr);
+    //! Holds the key \a name down until it is released.
+    void holdKey(const char *name);
+    void releaseKey(const char *name);
     //! Types \a text, of characters that stand on the keyboard.
     void type(const QString &text);
 
