@@ -241,6 +241,7 @@ private:
 
     // Service
     RouterVersion routerVersion() const;
+    void showFirmwareMode();
     void wireServiceDialog();
     void closeServiceDialog();
     void runAisTest();

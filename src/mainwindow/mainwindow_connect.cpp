@@ -125,7 +125,7 @@ void MainWindow::slotConnectEstablish(quint8 port)
     if (version_known)
         ui->label_firmware_version->setText(tr("fw: v.%1.%2").arg(fw_msb).arg(fw_lsb));
     if (mode_known)
-        ui->label_firmware_mode->setText(tr("mode: %1").arg(mode_text));
+        showFirmwareMode();
 
     send(Commands::Download);
     crs_errors = 0;

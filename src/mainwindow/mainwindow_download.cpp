@@ -2,6 +2,7 @@
 #include "mainwindow/mainwindow.h"
 #include "model/commands.h"
 #include "ui_mainwindow.h"
+#include "widgets/uiscale.h"
 
 void MainWindow::slotVRUpdateVRData()
 {
@@ -25,7 +26,16 @@ void MainWindow::slotVRMode(QString mode)
 {
     mode_known = true;
     mode_text = mode;
-    ui->label_firmware_mode->setText(tr("mode: %1").arg(mode_text));
+    showFirmwareMode();
+}
+
+// Modes are mostly shorter than the eight characters that they may have, and so is the label.
+void MainWindow::showFirmwareMode()
+{
+    QLabel *label = ui->label_firmware_mode;
+    label->setFont(QFont());
+    label->setText(tr("mode: %1").arg(mode_text));
+    fitText(label);
 }
 
 void MainWindow::slotVRErrorsCode(uint vr_error_code, uint vr_error_fault)

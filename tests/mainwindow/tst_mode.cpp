@@ -21,6 +21,7 @@ private slots:
     void refusedModesStayInTheDialog_data();
     void refusedModesStayInTheDialog();
     void cancelSendsNothing();
+    void longModesFitTheirLabel();
     void noAnswerIsAwaited();
     void changeIsPending();
 };
@@ -185,6 +186,21 @@ void tst_mode::cancelSendsNothing()
 }
 
 // The result shows when the router tells its mode, and in no other way.
+void tst_mode::longModesFitTheirLabel()
+{
+    ScriptedBench bench("4.0");
+    QVERIFY(bench.connectToRouter());
+    const auto *label = bench.find<QLabel>("label_firmware_mode");
+    const QFont usual = label->font();
+    bench.say("$VRMOD,TRAWLERS");
+    QTRY_COMPARE(label->text(), QStringLiteral("mode: TRAWLERS"));
+    QVERIFY(label->fontMetrics().size(0, label->text()).width() <= label->width());
+    QVERIFY(label->font().pointSizeF() < usual.pointSizeF());
+    bench.say("$VRMOD,DAY");
+    QTRY_COMPARE(label->text(), QStringLiteral("mode: DAY"));
+    QCOMPARE(label->font(), usual);
+}
+
 void tst_mode::noAnswerIsAwaited()
 {
     ScriptedBench bench("4.0");
