@@ -74,7 +74,7 @@ constexpr qint64 sentenceCount = sizeof sentences / sizeof *sentences;
 
 QByteArray MonitorStream::nextLine()
 {
-    const QByteArray line = sentences[m_count % sentenceCount](momentOf(m_count));
+    QByteArray line = sentences[m_count % sentenceCount](momentOf(m_count));
     ++m_count;
     return line;
 }

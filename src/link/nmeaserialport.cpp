@@ -95,8 +95,6 @@ public:
         return number;
     }
 
-    QStringRef rest() const { return m_text->midRef(m_pos); }
-
 private:
     const QString *m_text;
     int m_pos;
@@ -502,7 +500,7 @@ void NmeaSerialPort::parseRules(const QString &str)
     constexpr int wordDigits = 4;
     FieldReader fields(str);
     quint32 port = 0;
-    if (!fields.cutNumber(comma, port) || !fields.skip(comma) || !fields.rest().contains(star))
+    if (!fields.cutNumber(comma, port) || !fields.skip(comma))
         return;
     const QPointer<NmeaSerialPort> self(this);
     for (int channel = 0; self && channel < channelCount; ++channel) {
@@ -558,7 +556,7 @@ void NmeaSerialPort::parseHeaders(const QString &str)
     constexpr int headerLength = 2;
     FieldReader fields(str);
     quint32 port = 0;
-    if (!fields.cutNumber(comma, port) || !fields.skip(comma) || !fields.rest().contains(star))
+    if (!fields.cutNumber(comma, port) || !fields.skip(comma))
         return;
     const QPointer<NmeaSerialPort> self(this);
     readList(fields, channelCount, [&](int channel, const QStringRef &header) {
@@ -576,7 +574,7 @@ void NmeaSerialPort::parseFilterList(const QString &str)
     constexpr int formatterLength = 3;
     FieldReader fields(str);
     quint32 first = 0;
-    if (!fields.cutNumber(comma, first) || !fields.rest().contains(star))
+    if (!fields.cutNumber(comma, first))
         return;
     const QPointer<NmeaSerialPort> self(this);
     readList(fields, namesPerSentence, [&](int i, const QStringRef &formatter) {

@@ -16,6 +16,7 @@ private slots:
     void change_data();
     void change();
     void listKeepsOrderOfFirstReport();
+    void everyIdIsAnAlarmOfItsOwn();
     void sameReportTwiceIsOneSignal();
     void changedTimeIsAnotherSignal();
     void voidConditionKeepsTheAlarm();
@@ -95,6 +96,17 @@ void tst_QAisAlarm::listKeepsOrderOfFirstReport()
     const int order[] = {7, 3, 255, 0};
     for (int i = 0; i < 4; ++i)
         QCOMPARE(int(ais.alarmAt(i)->m_id), order[i]);
+}
+
+void tst_QAisAlarm::everyIdIsAnAlarmOfItsOwn()
+{
+    constexpr int idCount = 256;
+    QAis ais;
+    for (int id = 0; id < idCount; ++id)
+        ais.updateAlarm(quint8(id), 1, 2, 3, true, false, QString::number(id));
+    QCOMPARE(ais.alarmCount(), idCount);
+    for (int id = 0; id < idCount; ++id)
+        QCOMPARE(ais.findAlarm(quint8(id))->m_text, QString::number(id));
 }
 
 void tst_QAisAlarm::sameReportTwiceIsOneSignal()

@@ -373,6 +373,7 @@ void tst_QGpsKrd::combination_data()
     row("shortest, western minus eastern", Combination::ShortestDifference, -10790, 10790, 20);
     row("shortest, from 0 is never folded", Combination::ShortestDifference, 0, -10801, 10801);
     row("shortest, to 0 is never folded", Combination::ShortestDifference, -10801, 0, -10801);
+    row("shortest, both east is never folded", Combination::ShortestDifference, 1, 10900, -10899);
 }
 
 void tst_QGpsKrd::combination()

@@ -34,7 +34,7 @@ public:
 
     double value() const
     {
-        return double(usedMicros() - m_usedBefore) / double(m_clock.nsecsElapsed() / 1000);
+        return double(usedMicros() - m_usedBefore) / (double(m_clock.nsecsElapsed()) / 1000);
     }
 
 private:

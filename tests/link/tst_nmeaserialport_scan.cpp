@@ -116,7 +116,7 @@ LinkRig::Router answers(int speed, const QByteArray &first, const QByteArray &se
     return [speed, first, second, moved = false](const QByteArray &line, int lineSpeed) mutable {
         if (line != "$VRCNT\r\n" || lineSpeed != (moved ? 115200 : speed))
             return QByteArray();
-        const QByteArray reply = moved ? second : first;
+        QByteArray reply = moved ? second : first;
         moved = true;
         return reply;
     };
@@ -171,9 +171,9 @@ void tst_NmeaSerialPortScan::initTestCase()
     start("other sentences", alwaysSays(checkedLine("$VRVER,3.4") + "$GPGLL,1,N\r\n"));
     start("wrong, then right", answers(4800, wronglyCheckedLine("$VRCNU,3"), good));
 
-    LinkRig &late = start("late answer in the connection", LinkRig::routerAt(4800), StayConnected);
-    connect(late.link(), &NmeaSerialPort::signalVRConnect, &late,
-            [&late] { late.after(200, [&late] { late.pty().write(checkedLine("$VRCNU,3")); }); });
+    LinkRig &rig = start("late answer in the connection", LinkRig::routerAt(4800), StayConnected);
+    connect(rig.link(), &NmeaSerialPort::signalVRConnect, &rig,
+            [&rig] { rig.after(200, [&rig] { rig.pty().write(checkedLine("$VRCNU,3")); }); });
 
     const auto allEnded = [this] {
         return std::all_of(m_runs.begin(), m_runs.end(), [](const auto &entry) {

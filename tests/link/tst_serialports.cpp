@@ -9,6 +9,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <fcntl.h>
 #include <pwd.h>
 #include <unistd.h>
 
@@ -161,12 +162,18 @@ void tst_SerialPorts::notListed()
     QFile regular(kind == "file" ? path(name) : file);
     QVERIFY(regular.open(QIODevice::WriteOnly));
     regular.close();
+    QFile gone;
     if (kind == "dangling")
         symlinkTo(m_runtime->path() + "/nothing", path(name));
     if (kind == "gone") {
         symlinkTo(m_pty->slavePath(), path(name));
         QCOMPARE(published(), QStringList{name});
+        // As long as its other side is open, no program beside this one gets its number.
+        const int other = ::open(QFile::encodeName(m_pty->slavePath()).constData(),
+                                 O_RDWR | O_NOCTTY | O_CLOEXEC);
+        QVERIFY(gone.open(other, QIODevice::ReadWrite, QFileDevice::AutoCloseHandle));
         m_pty->hangUp();
+        QVERIFY(!QFile::exists(m_pty->slavePath()));
     }
     if (kind == "link to file")
         symlinkTo(file, path(name));
