@@ -73,9 +73,11 @@ void Agreement::downloaded(const RouterModel &model, const RouterState &router)
         beginJudging(router.downloadLosses);
 }
 
-void Agreement::uploadQueued(const RouterModel &model)
+void Agreement::uploadQueued(const RouterModel &model, const RouterState &router)
 {
     m_names = namesOf(model);
+    m_lossesAtQueue = router.losses;
+    m_isUploadMixed = m_isDownloading;
 }
 
 void Agreement::fileLoaded(bool isGood)
@@ -99,8 +101,9 @@ QString Agreement::check(const RouterModel &model, const RouterState &router)
     const bool isUploaded = router.uploads != m_uploads;
     m_uploads = router.uploads;
     m_isJudging = m_isJudging && router.losses == m_losses;
-    if (isUploaded && !m_isJudging && !m_isDownloading && !m_isHostile && router.isConnected)
-        beginJudging(router.uploadLosses);
+    const bool isFit = !m_isDownloading && !m_isUploadMixed && !m_isHostile;
+    if (isUploaded && !m_isJudging && isFit && router.isConnected)
+        beginJudging(m_lossesAtQueue);
     m_isJudging = m_isJudging && router.losses == m_losses;
     if (!m_isJudging) {
         m_abstentions += router.isConnected ? 1 : 0;

@@ -29,7 +29,9 @@ public:
     /*! The tool has shown the end of a download, \a model being what came. */
     void downloaded(const RouterModel &model, const RouterState &router);
     /*! The tool has put all of \a model into its queue. */
-    void uploadQueued(const RouterModel &model);
+    void uploadQueued(const RouterModel &model, const RouterState &router);
+    /*! The tool has left the connection. */
+    void connectionEnded() { m_isJudging = false; }
     /*! The user is about to change the model. */
     void edited();
     /*! The tool has read a file, whole or not; \a isGood if all of it is fit for a router. */
@@ -70,6 +72,8 @@ private:
     bool m_isJudging = false;
     Names m_names; // as they were last sent or received
     quint64 m_losses = 0;
+    quint64 m_lossesAtQueue = 0;  // when the last upload was put into the queue
+    bool m_isUploadMixed = false; // that was in the midst of a download
     int m_downloads = 0;
     int m_uploads = 0;
     qint64 m_differentSince = 0; // microseconds; 0: equal

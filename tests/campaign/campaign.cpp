@@ -101,6 +101,7 @@ void Campaign::watchLink()
         return;
     m_link = link;
     m_hasDownloaded = false;
+    m_agreement.connectionEnded();
     if (!link)
         return;
     m_connectBegin = m_clock.elapsed();
@@ -130,8 +131,11 @@ void Campaign::dialogShown(QWidget *dialog)
         boxShown(box->windowTitle(), box->text());
         return;
     }
-    if (qobject_cast<WaitSaveDlg *>(dialog))
-        m_agreement.uploadQueued(m_window.routerModel());
+    if (qobject_cast<WaitSaveDlg *>(dialog)) {
+        m_heartbeat.beginWork();
+        m_agreement.uploadQueued(m_window.routerModel(), m_router.state());
+        m_heartbeat.endWork();
+    }
     m_log.count(QStringLiteral("dialog"), QString::fromLatin1(dialog->metaObject()->className()));
 }
 
@@ -146,7 +150,7 @@ void Campaign::boxShown(const QString &title, const QString &text)
         m_screen.drawnAnew();
     } else if (text == QLatin1String("Load rules complete")) {
         m_agreement.fileLoaded(m_files.kindOfRules() == FileStore::Kind::Good);
-        m_agreement.uploadQueued(m_window.routerModel());
+        m_agreement.uploadQueued(m_window.routerModel(), m_router.state());
         m_screen.drawnAnew();
     } else if (text.startsWith(QLatin1String("Error load rules from"))) {
         m_agreement.fileLoaded(false);

@@ -121,7 +121,6 @@ RouterState RouterHost::state()
     state.downloads = m_downloads;
     state.uploads = m_uploads;
     state.downloadLosses = m_lossesAtDownload;
-    state.uploadLosses = m_lossesAtUpload;
     state.refused = m_refused;
     state.now = RouterSimulator::now();
     state.lastHeard = m_lastHeard;

@@ -24,7 +24,6 @@ struct RouterState
     int uploads = 0;   //!< configurations of the tool that have been heard whole
 
     quint64 downloadLosses = 0; //!< losses when the last of those downloads was on its way
-    quint64 uploadLosses = 0;   //!< losses when the last of those uploads came
 
     /*! A line of the configuration that the router refused, the last one; empty if none. */
     QByteArray refused;
