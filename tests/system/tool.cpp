@@ -3,6 +3,7 @@
 #include "stepfailure.h"
 #include "wait.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QRegularExpression>
 
@@ -177,8 +178,11 @@ XDesktop::Window Tool::mainWindow() const
     throw StepFailure{QStringLiteral("the main window has gone")};
 }
 
+// A check looks at a hundred places, which takes a second on a busy machine: the router, which
+// lives in this process, must not fall silent meanwhile.
 QImage Tool::look(const QRect &place) const
 {
+    QCoreApplication::processEvents();
     return m_desktop.picture(place.translated(mainWindow().place.topLeft()));
 }
 
