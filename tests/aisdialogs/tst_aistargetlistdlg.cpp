@@ -339,8 +339,10 @@ void tst_aistargetlistdlg::refreshNeedsAnOwnPosition()
 
 void tst_aistargetlistdlg::refreshOfManyRows()
 {
-    for (quint32 i = 0; i < 500; ++i)
-        hear(AisTalk::northOf(100 + i, 1 + i / 7 * 0.1));
+    for (quint32 i = 0; i < 500; ++i) {
+        const quint32 group = i / 7; // of targets at the same range
+        hear(AisTalk::northOf(100 + i, 1 + group * 0.1));
+    }
     for (const double minutes : {2.0, 2.1, 30.0}) {
         setOwnPosition(minutes);
         m_list->refreshRanges();

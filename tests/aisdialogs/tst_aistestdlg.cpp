@@ -260,7 +260,7 @@ void tst_aistestdlg::countedMessages_data()
     QTest::addColumn<QString>("count");
 
     PositionReport report;
-    for (const quint32 type : {1, 2, 3, 4, 18}) {
+    for (const quint32 type : {1U, 2U, 3U, 4U, 18U}) {
         report.type = type;
         QTest::addRow("type %u", type)
             << AisTalk::heard(0, report) << QString::number(type <= 3 ? 2 : 1);
