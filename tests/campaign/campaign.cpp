@@ -97,11 +97,12 @@ void Campaign::giveFocus()
 void Campaign::watchLink()
 {
     NmeaSerialPort *link = m_window.currentLink();
+    if (!m_window.isConnected())
+        m_agreement.connectionEnded();
     if (link == m_link)
         return;
     m_link = link;
     m_hasDownloaded = false;
-    m_agreement.connectionEnded();
     if (!link)
         return;
     m_connectBegin = m_clock.elapsed();

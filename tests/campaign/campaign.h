@@ -41,7 +41,7 @@ public:
         int restInterval = 300;  //!< steps between two measurements of memory and files
         double pauseLimit = 100; //!< milliseconds
         int stepLimit = 20;      //!< seconds for which the event loop may stand still, at worst
-        double memoryLimit = 4;  //!< megabytes that the heap may grow behind the first rest
+        double memoryLimit = 6;  //!< megabytes that the heap may grow behind the first rest
         bool isVerbose = false;
         QString portName;
     };
