@@ -4,7 +4,6 @@
 #include "ais/qaisalarm.h"
 #include "aisdialogs/celltext.h"
 #include "ui_aisalarmlistdlg.h"
-#include "widgets/uiscale.h"
 
 #include <QResizeEvent>
 
@@ -54,10 +53,7 @@ AisAlarmListDlg::AisAlarmListDlg(QWidget *parent)
         table->setColumnWidth(column, columnWidth);
         fitText(table->horizontalHeaderItem(column), table->font(), columnWidth);
     }
-    const double factor = ui_scale();
-    setFixedSize(scaled(width(), factor), scaled(height(), factor));
-    // The table alone of all frames: its headers are frames, too, and the table places them.
-    scaleWidget(table, float(factor));
+    scaleTableWindow(this, table);
     setMinimumSize(0, 0);
     setMaximumSize(largest);
 }

@@ -4,7 +4,6 @@
 #include "ais/timeofday.h"
 #include "aisdialogs/celltext.h"
 #include "ui_aistargetinfodlg.h"
-#include "widgets/uiscale.h"
 
 namespace {
 
@@ -63,11 +62,8 @@ AisTargetInfoDlg::AisTargetInfoDlg(QWidget *parent)
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     writeLabels();
 
-    const double factor = ui_scale();
     QTableWidget *table = ui->target_info_table;
-    setFixedSize(scaled(width(), factor), scaled(height(), factor));
-    // The table alone of all frames: its headers are frames, too, and the table places them.
-    scaleWidget(table, float(factor));
+    scaleTableWindow(this, table);
     table->setColumnWidth(labelColumn, table->width() / 100 * labelPercent);
 
     connect(&m_ageTimer, &QTimer::timeout, this, &AisTargetInfoDlg::showAge);

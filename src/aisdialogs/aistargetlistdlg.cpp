@@ -2,9 +2,9 @@
 
 #include "ais/qais.h"
 #include "aisdialogs/aistargetinfodlg.h"
+#include "aisdialogs/celltext.h"
 #include "aisdialogs/targetrows.h"
 #include "ui_aistargetlistdlg.h"
-#include "widgets/uiscale.h"
 
 #include <QResizeEvent>
 
@@ -31,10 +31,7 @@ AisTargetListDlg::AisTargetListDlg(QWidget *parent)
     m_rows = new TargetRows(table, this);
 
     const int largestHeight = maximumHeight();
-    const double factor = ui_scale();
-    setFixedSize(scaled(width(), factor), scaled(height(), factor));
-    // The table alone of all frames: its headers are frames, too, and the table places them.
-    scaleWidget(table, float(factor));
+    scaleTableWindow(this, table);
     setMinimumHeight(0);
     setMaximumHeight(largestHeight);
 

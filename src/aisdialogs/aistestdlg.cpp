@@ -5,7 +5,6 @@
 #include "aisdialogs/aistargetlistdlg.h"
 #include "aisdialogs/celltext.h"
 #include "ui_aistestdlg.h"
-#include "widgets/uiscale.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -36,10 +35,7 @@ aistestdlg::aistestdlg(QWidget *parent) : QDialog(parent), ui(std::make_unique<U
     ui->setupUi(this);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
 
-    const double factor = ui_scale();
-    setFixedSize(scaled(width(), factor), scaled(height(), factor));
-    // The table alone of all frames: its headers are frames, too, and the table places them.
-    scaleWidget(ui->ais_table, float(factor));
+    scaleTableWindow(this, ui->ais_table);
     ui->ais_table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
 
     m_allTimeMaxRange.fill(noRange);

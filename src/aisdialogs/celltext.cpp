@@ -1,7 +1,17 @@
 #include "aisdialogs/celltext.h"
 
+#include "widgets/uiscale.h"
+
+#include <QDialog>
 #include <QFontMetrics>
-#include <QTableWidgetItem>
+#include <QTableWidget>
+
+void scaleTableWindow(QDialog *window, QTableWidget *table)
+{
+    const double factor = ui_scale();
+    window->setFixedSize(scaled(window->width(), factor), scaled(window->height(), factor));
+    scaleWidget(table, float(factor));
+}
 
 QString rangeText(double range)
 {

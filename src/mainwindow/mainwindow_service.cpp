@@ -103,12 +103,8 @@ void MainWindow::runAisTest()
 
 void MainWindow::disconnectAisTestDialog()
 {
-    if (!link)
-        return;
-    disconnect(link, &NmeaSerialPort::signalVRAISMessage, ais_test_dialog,
-               &aistestdlg::slotAISMessage);
-    disconnect(link, &NmeaSerialPort::signalVRAISPosition, ais_test_dialog,
-               &aistestdlg::slotAISPosition);
+    if (link)
+        disconnect(link, nullptr, ais_test_dialog, nullptr);
 }
 
 void MainWindow::closeAisTestDialog()
