@@ -1,5 +1,7 @@
 #include "cutecomprocess.h"
 
+#include "endprocess.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -49,12 +51,7 @@ CutecomProcess::CutecomProcess()
 
 CutecomProcess::~CutecomProcess()
 {
-    if (m_process.state() == QProcess::NotRunning)
-        return;
-    m_process.closeWriteChannel();
-    if (!m_process.waitForFinished(endLimit))
-        m_process.kill();
-    m_process.waitForFinished(endLimit);
+    endProcess(m_process, endLimit);
 }
 
 bool CutecomProcess::isInstalled()

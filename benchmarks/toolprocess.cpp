@@ -1,5 +1,6 @@
 #include "toolprocess.h"
 
+#include "endprocess.h"
 #include "monitoredtool.h"
 
 #include <QCoreApplication>
@@ -16,12 +17,7 @@ constexpr int nothingUnderView = 255;
 
 ToolProcess::~ToolProcess()
 {
-    if (m_process.state() == QProcess::NotRunning)
-        return;
-    m_process.closeWriteChannel();
-    if (!m_process.waitForFinished(endLimit))
-        m_process.kill();
-    m_process.waitForFinished(endLimit);
+    endProcess(m_process, endLimit);
 }
 
 bool ToolProcess::start(const QString &platform)
