@@ -78,8 +78,7 @@ public:
      * Takes in fragment number \a fragment of \a total, with \a sequence the number that the
      * fragments of one message share. \a payload is NUL-terminated armoured text, \a fillBits the
      * number of its last bits that are none. All values are accepted; a kind that is not OwnMessage
-     * counts as TargetMessage. Returns whether a message,
-     * of whatever type, became whole.
+     * counts as TargetMessage. Returns whether a message, of whatever type, became whole.
      */
     bool decodeMessage(int kind, uint total, uint fragment, uint sequence, int fillBits,
                        const char *payload);

@@ -23,7 +23,11 @@ public:
     // Dynamic data
     QString statusText() const;
     QString accuracyText() const;   //!< "<10m" or ">10м"
-    QString rateOfTurnText() const; //!< degrees per minute with two decimals
+    /*!
+     * The raw value over 4.733 with two decimals, which is not degrees per minute: those grow with its
+     * square. Empty when it is not available.
+     */
+    QString rateOfTurnText() const;
     QString positionText() const;
     QString speedText() const;   //!< knots with one decimal
     QString courseText() const;  //!< degrees with one decimal

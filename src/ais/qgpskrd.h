@@ -64,8 +64,10 @@ public:
     bool isValid() const;
 
     /*!
-     * Reads "ddmm.mmm,N,dddmm.mmm,E", with any number of decimals. The minutes are not limited.
-     * Returns false, with nothing changed, when \a text is anything else.
+     * Reads "ddmm.mmm,N,dddmm.mmm,E", with any number of decimals, from the start of \a text; what
+     * follows is ignored, and so is the character between the first hemisphere and the longitude.
+     * The minutes are not limited. Returns false, with nothing changed, when \a text begins with
+     * anything else.
      */
     bool parseFields(const QString &text);
 

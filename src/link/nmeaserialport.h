@@ -18,8 +18,7 @@ QT_END_NAMESPACE
  * openPort() searches for the router: it asks with "$VRCNT" at 4800, 9600, 19200, 38400, 57600,
  * 115200 and 2400 baud for 500 ms each, moves to 115200 baud after a first answer, and is connected
  * after an answer at that speed. From then on the link is watched: 2 s without a "$VR" sentence
- * queue
- * "$VRCNC", 2 s more close the link.
+ * queue "$VRCNC", 2 s more close the link.
  *
  * Outbound sentences wait in one queue without a bound; one line leaves it every 25 ms, whatever
  * its length and the speed of the line. Inbound bytes are cut into lines of at most 95 bytes; "$VR"
