@@ -133,22 +133,25 @@ void servicedlg::slotStatusErrors(uint port, uint s_print, uint s_crs, uint s_br
         emit signalRequestStatusErrors(int(port) + 1);
 }
 
-// A large counter gets a smaller font: its column can't become wider.
+// A large counter gets a smaller font, as its column can't become wider. What is still too large is
+// elided, and its tool tip is whole.
 void servicedlg::showCounter(int row, int column, uint value)
 {
     constexpr int margins = 8;
-    constexpr qreal smallestFont = 6;
+    constexpr qreal smallestFont = 7.5;
     constexpr qreal step = 0.25;
     const QTableWidget *table = ui->tableWidget;
     QTableWidgetItem *item = table->item(row, column);
     item->setText(QString::number(value));
     QFont font = table->font();
-    while (QFontMetrics(font, table).size(0, item->text()).width() + margins
-               > table->columnWidth(column)
-           && font.pointSizeF() > smallestFont) {
+    const auto isTooWide = [&] {
+        const int width = QFontMetrics(font, table).size(0, item->text()).width();
+        return width + margins > table->columnWidth(column);
+    };
+    while (isTooWide() && font.pointSizeF() > smallestFont)
         font.setPointSizeF(font.pointSizeF() - step);
-    }
     item->setFont(font);
+    item->setToolTip(isTooWide() ? item->text() : QString());
 }
 
 void servicedlg::slotButClear()

@@ -29,7 +29,7 @@ void fitText(QLabel *label)
 
 void fitText(QLabel *label, int width)
 {
-    constexpr qreal smallestFont = 6;
+    constexpr qreal smallestFont = 7.5;
     constexpr qreal step = 0.25;
     // Not its size hint, which is never less than the minimum width.
     const auto textWidth = [label] { return label->fontMetrics().size(0, label->text()).width(); };

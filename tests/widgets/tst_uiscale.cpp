@@ -152,7 +152,7 @@ void TestUiScale::fitsText_data()
 
     QTest::newRow("wide enough") << 1.0 << false << true;
     QTest::newRow("a little too narrow") << 0.9 << true << true;
-    QTest::newRow("much too narrow: not below 6 points") << 0.1 << true << false;
+    QTest::newRow("much too narrow: not below 7.5 points") << 0.1 << true << false;
 }
 
 void TestUiScale::fitsText()
@@ -172,7 +172,7 @@ void TestUiScale::fitsText()
     QCOMPARE(label.font().pointSizeF() < design, shrinks);
     QCOMPARE(label.sizeHint().width() <= label.minimumWidth(), fits);
     if (!fits)
-        QCOMPARE(label.font().pointSizeF(), 6.0);
+        QCOMPARE(label.font().pointSizeF(), 7.5);
     // No smaller than needed.
     if (!shrinks)
         return;
