@@ -48,11 +48,9 @@ AisAlarmListDlg::AisAlarmListDlg(QWidget *parent)
     QTableWidget *table = ui->ais_alarm_list;
     const QSize largest = maximumSize();
     // Deliberately of the width in design pixels, on every screen.
-    for (int column = 0; column < int(std::size(columnPercents)); ++column) {
-        const int columnWidth = table->width() * columnPercents[column] / 100;
-        table->setColumnWidth(column, columnWidth);
-        fitText(table->horizontalHeaderItem(column), table->font(), columnWidth);
-    }
+    for (int column = 0; column < int(std::size(columnPercents)); ++column)
+        table->setColumnWidth(column, table->width() * columnPercents[column] / 100);
+    elideTitles(table);
     scaleTableWindow(this, table);
     setMinimumSize(0, 0);
     setMaximumSize(largest);
@@ -94,16 +92,7 @@ bool AisAlarmListDlg::showAlarm(quint8 id)
                              alarm->m_acknowledged ? tr("yes") : tr("no"), alarm->m_text};
     for (size_t column = idColumn + 1; column < cells.size(); ++column)
         isChanged = writeText(cells[column], texts[column]) || isChanged;
-    if (isChanged)
-        fitTexts(cells.data());
     return isChanged;
-}
-
-void AisAlarmListDlg::fitTexts(QTableWidgetItem *const *cells)
-{
-    const QTableWidget *table = ui->ais_alarm_list;
-    for (int column = 0; column < int(std::size(columnPercents)); ++column)
-        fitText(cells[column], table->font(), table->columnWidth(column));
 }
 
 int AisAlarmListDlg::rowOf(const QString &idText) const
@@ -124,7 +113,7 @@ int AisAlarmListDlg::appendRow(const QString &idText)
     const int row = table->rowCount();
     table->insertRow(row);
     for (int column = 0; column < columnCount; ++column) {
-        auto *item = new QTableWidgetItem;
+        auto *item = new ElidedItem;
         item->setTextAlignment(int(columnAlignment(column)));
         table->setItem(row, column, item);
     }

@@ -4,10 +4,6 @@
 
 #include <memory>
 
-QT_BEGIN_NAMESPACE
-class QTableWidgetItem;
-QT_END_NAMESPACE
-
 class QAis;
 
 namespace Ui {
@@ -41,8 +37,6 @@ protected:
 private:
     int rowOf(const QString &idText) const;
     int appendRow(const QString &idText);
-    /*! Makes the texts of a row fit its narrow columns. */
-    void fitTexts(QTableWidgetItem *const *cells);
 
     QAis *m_ais = nullptr;
     std::unique_ptr<Ui::AisAlarmListDlg> ui;

@@ -36,5 +36,5 @@ private:
 
     std::unique_ptr<Ui::AisTargetInfoDlg> ui;
     QAisTarget *m_target = nullptr;
-    QTimer m_ageTimer;
+    QTimer m_ageTimer{this};
 };

@@ -3,10 +3,15 @@
 #include "ais/qais.h"
 #include "aisdialogs/aistargetinfodlg.h"
 #include "aisdialogs/celltext.h"
-#include "aisdialogs/targetrows.h"
+#include "aisdialogs/paintpace.h"
 #include "ui_aistargetlistdlg.h"
 
 #include <QResizeEvent>
+
+#include <cmath>
+#include <limits>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -20,6 +25,98 @@ constexpr int namePercent = 60;
 constexpr int lowestWindow = 10;
 constexpr int spaceBelow = 6;
 
+// A cell that is ordered by its text, as any other, but has it and its number at hand: a sort
+// compares some thousand times, and an own position looks at all ranges of all lists.
+class ListItem : public QTableWidgetItem
+{
+public:
+    explicit ListItem(const QString &text) : QTableWidgetItem(UserType)
+    {
+        ListItem::setData(Qt::DisplayRole, text);
+    }
+
+    bool operator<(const QTableWidgetItem &other) const override
+    {
+        return m_text < static_cast<const ListItem &>(other).m_text;
+    }
+
+    void setData(int role, const QVariant &value) override
+    {
+        if (role == Qt::DisplayRole || role == Qt::EditRole)
+            setShown(value.toString());
+        QTableWidgetItem::setData(role, value);
+    }
+
+    const QString &shown() const { return m_text; }
+
+    // Whether the text is certainly that of the range: half a step of it, less what rounding may
+    // do.
+    bool reads(double range) const
+    {
+        constexpr double tolerance = 0.0499;
+        return std::abs(range - m_number) < tolerance;
+    }
+
+private:
+    void setShown(const QString &text)
+    {
+        bool isNumber = false;
+        m_text = text;
+        m_number = text.toDouble(&isNumber);
+        if (!isNumber)
+            m_number = std::numeric_limits<double>::quiet_NaN();
+    }
+
+    QString m_text;
+    double m_number = 0;
+};
+
+ListItem *cellAt(const QTableWidget *table, int row, int column)
+{
+    return static_cast<ListItem *>(table->item(row, column));
+}
+
+const QString &textAt(const QTableWidget *table, int row, int column)
+{
+    return cellAt(table, row, column)->shown();
+}
+
+// The numbers of the rows. The last is the widest; Qt would measure two hundred of them behind each
+// sort.
+class RowNumbers : public QHeaderView
+{
+public:
+    explicit RowNumbers(const QHeaderView &model, QWidget *parent)
+        : QHeaderView(Qt::Vertical, parent)
+    {
+        setMinimumSectionSize(model.minimumSectionSize());
+        setDefaultSectionSize(model.defaultSectionSize());
+        setSectionsClickable(model.sectionsClickable());
+        setHighlightSections(model.highlightSections());
+    }
+
+    QSize sizeHint() const override
+    {
+        return count() > 0 ? sectionSizeFromContents(count() - 1) : QHeaderView::sizeHint();
+    }
+};
+
+QString mmsiText(uint mmsi)
+{
+    return QStringLiteral("%1").arg(mmsi);
+}
+
+QString nameOf(const QAisTarget &target)
+{
+    return target.m_staticValid ? QStringLiteral("%1").arg(target.m_shipName) : QString();
+}
+
+// Empty without a target, or without a range.
+QString rangeOf(const QAisTarget *target)
+{
+    return target && target->m_rangeValid ? rangeText(target->m_range) : QString();
+}
+
 } // namespace
 
 AisTargetListDlg::AisTargetListDlg(QWidget *parent)
@@ -28,7 +125,9 @@ AisTargetListDlg::AisTargetListDlg(QWidget *parent)
     ui->setupUi(this);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     QTableWidget *table = ui->ais_list;
-    m_rows = new TargetRows(table, this);
+
+    m_pace = new PaintPace(table);
+    table->setVerticalHeader(new RowNumbers(*table->verticalHeader(), table));
 
     const int largestHeight = maximumHeight();
     scaleTableWindow(this, table);
@@ -40,6 +139,7 @@ AisTargetListDlg::AisTargetListDlg(QWidget *parent)
     table->setColumnWidth(nameColumn, percent * namePercent);
     // What it has at least; stretched, it takes what the others leave.
     table->setColumnWidth(rangeColumn, table->horizontalHeader()->minimumSectionSize());
+    elideTitles(table);
     table->sortByColumn(rangeColumn, Qt::AscendingOrder);
     connect(table, &QTableWidget::cellDoubleClicked, this, &AisTargetListDlg::showTarget);
 }
@@ -49,18 +149,47 @@ AisTargetListDlg::~AisTargetListDlg() = default;
 void AisTargetListDlg::setAis(QAis *ais)
 {
     m_ais = ais;
-    m_rows->addAll(*ais);
+    const int count = ais->targetCount();
+    if (count > 0) {
+        // Each comes in at the top, so the last one of the list ends there.
+        changeAndSort([this, ais, count] {
+            ui->ais_list->setRowCount(count);
+            for (int i = 0; i < count; ++i)
+                fillRow(count - 1 - i, *ais->targetAt(i));
+        });
+    }
     setWindowTitle(tr("Ais Target list - input port %1").arg(ais->portNumber()));
 }
 
-void AisTargetListDlg::refreshRanges()
+// No row moves while \a change is written. Switched on again, the table sorts itself by the column
+// that the user has chosen; rows that are equal keep their order.
+template <typename Change> void AisTargetListDlg::changeAndSort(const Change &change)
 {
-    m_rows->refreshRanges(*m_ais);
+    m_pace->beginChange();
+    ui->ais_list->setSortingEnabled(false);
+    change();
+    ui->ais_list->setSortingEnabled(true);
 }
 
 void AisTargetListDlg::slotAddTarget(QAisTarget *pTarget)
 {
-    m_rows->add(*pTarget);
+    changeAndSort([this, pTarget] {
+        ui->ais_list->insertRow(0);
+        fillRow(0, *pTarget);
+    });
+}
+
+void AisTargetListDlg::fillRow(int row, const QAisTarget &target)
+{
+    const auto put = [this, row](int column, const QString &text, Qt::Alignment alignment) {
+        auto *item = new ListItem(text);
+        item->setTextAlignment(int(alignment));
+        ui->ais_list->setItem(row, column, item);
+    };
+    const Qt::Alignment left = Qt::AlignLeft | Qt::AlignVCenter;
+    put(mmsiColumn, mmsiText(target.m_mmsi), Qt::AlignCenter);
+    put(nameColumn, nameOf(target), left);
+    put(rangeColumn, rangeOf(&target), left);
 }
 
 void AisTargetListDlg::slotUpdateTarget(uint mmsi)
@@ -70,20 +199,105 @@ void AisTargetListDlg::slotUpdateTarget(uint mmsi)
         return;
     if (isInfoOf(target))
         m_info->refresh();
-    m_rows->update(*target);
+    const int row = rowOf(mmsi);
+    if (row < 0)
+        return;
+    const QTableWidget *table = ui->ais_list;
+    const QString &name = textAt(table, row, nameColumn);
+    const QString texts[] = {textAt(table, row, mmsiColumn),
+                             target->m_staticValid ? nameOf(*target) : name, rangeOf(target)};
+    if (name == texts[nameColumn] && textAt(table, row, rangeColumn) == texts[rangeColumn])
+        return;
+    // Found before any is written: with sorting on, the row moves.
+    QTableWidgetItem *const cells[] = {table->item(row, nameColumn), table->item(row, rangeColumn)};
+    const auto write = [&cells, &texts] {
+        writeText(cells[0], texts[nameColumn]);
+        writeText(cells[1], texts[rangeColumn]);
+    };
+    if (findsItsPlace(row, texts[table->horizontalHeader()->sortIndicatorSection()])) {
+        m_pace->beginChange();
+        write();
+    } else {
+        changeAndSort(write);
+    }
+}
+
+// Whether \a row, left to a table that goes on sorting, gets the place that a sort would give it
+// when it reads \a text in the column sorted by. The table puts it before its equals. That is its
+// place on the way down; on the way up it is behind them.
+bool AisTargetListDlg::findsItsPlace(int row, const QString &text) const
+{
+    const QTableWidget *table = ui->ais_list;
+    const QHeaderView *header = table->horizontalHeader();
+    const int column = header->sortIndicatorSection();
+    const bool isAscending = header->sortIndicatorOrder() == Qt::AscendingOrder;
+    int above = row - 1;
+    while (above >= 0) {
+        const QString &other = textAt(table, above, column);
+        if (isAscending ? other <= text : other >= text)
+            break;
+        --above;
+    }
+    const bool goesUp = above < row - 1;
+    return !goesUp || above < 0 || textAt(table, above, column) != text;
 }
 
 void AisTargetListDlg::slotDeleteTarget(uint mmsi)
 {
-    m_rows->remove(mmsi);
+    // The other rows keep their order.
+    const int row = rowOf(mmsi);
+    if (row >= 0) {
+        m_pace->beginChange();
+        ui->ais_list->removeRow(row);
+    }
     // Its target stays, and its timer goes on reading it.
     if (isInfoOf(m_ais->findTarget(mmsi)))
         m_info->setVisible(false);
 }
 
+void AisTargetListDlg::refreshRanges()
+{
+    if (!m_ais->hasOwnPosition())
+        return;
+    const QTableWidget *table = ui->ais_list;
+    std::vector<std::pair<QTableWidgetItem *, QString>> changes;
+    for (int row = 0; row < table->rowCount(); ++row) {
+        const QAisTarget *target = m_ais->findTarget(textAt(table, row, mmsiColumn).toUInt());
+        ListItem *range = cellAt(table, row, rangeColumn);
+        if (target && target->m_rangeValid && range->reads(target->m_range))
+            continue;
+        QString text = rangeOf(target);
+        if (range->shown() != text)
+            changes.emplace_back(range, std::move(text));
+    }
+    if (changes.empty())
+        return;
+    changeAndSort([&changes] {
+        for (const auto &[range, text] : changes)
+            range->setText(text);
+    });
+}
+
+// Deliberate: sorting is not stopped here, so in a descending table each row moves to the end while
+// it is being written, and they end in reverse order.
 void AisTargetListDlg::slotLostPosition()
 {
-    m_rows->blankRanges();
+    QVector<QTableWidgetItem *> ranges;
+    for (int row = 0; row < ui->ais_list->rowCount(); ++row)
+        ranges += ui->ais_list->item(row, rangeColumn);
+    for (QTableWidgetItem *range : qAsConst(ranges))
+        writeText(range, QString());
+}
+
+// -1: it has none.
+int AisTargetListDlg::rowOf(uint mmsi) const
+{
+    const QString text = mmsiText(mmsi);
+    for (int row = 0; row < ui->ais_list->rowCount(); ++row) {
+        if (textAt(ui->ais_list, row, mmsiColumn) == text)
+            return row;
+    }
+    return -1;
 }
 
 bool AisTargetListDlg::isInfoOf(const QAisTarget *target) const
@@ -93,7 +307,9 @@ bool AisTargetListDlg::isInfoOf(const QAisTarget *target) const
 
 void AisTargetListDlg::showTarget(int row)
 {
-    const uint mmsi = ui->ais_list->item(row, mmsiColumn)->text().toUInt();
+    // The row may have gone between the two clicks.
+    const QTableWidgetItem *item = ui->ais_list->item(row, mmsiColumn);
+    const uint mmsi = item ? item->text().toUInt() : 0;
     QAisTarget *target = mmsi != 0 ? m_ais->findTarget(mmsi) : nullptr;
     if (!target)
         return;
@@ -112,6 +328,7 @@ void AisTargetListDlg::resizeEvent(QResizeEvent *event)
 {
     if (height() < lowestWindow)
         return;
+    m_pace->paintNow();
     ui->ais_list->setFixedHeight(qMax(1, height() - spaceBelow));
     QDialog::resizeEvent(event);
 }

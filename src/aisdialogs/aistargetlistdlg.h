@@ -5,9 +5,9 @@
 #include <memory>
 
 class AisTargetInfoDlg;
+class PaintPace;
 class QAis;
 class QAisTarget;
-class TargetRows;
 
 namespace Ui {
 class AisTargetListDlg;
@@ -44,11 +44,15 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    template <typename Change> void changeAndSort(const Change &change);
+    void fillRow(int row, const QAisTarget &target);
+    int rowOf(uint mmsi) const;
+    bool findsItsPlace(int row, const QString &text) const;
     void showTarget(int row);
     bool isInfoOf(const QAisTarget *target) const;
 
     std::unique_ptr<Ui::AisTargetListDlg> ui;
     QAis *m_ais = nullptr;
     AisTargetInfoDlg *m_info = nullptr; //!< made at the first double click, then kept
-    TargetRows *m_rows;
+    PaintPace *m_pace;                  //!< of the table
 };

@@ -77,7 +77,7 @@ private:
     PerPort<QPushButton *> m_ownButton = {};
     PerPort<QPushButton *> m_targetButton = {};
     PerPort<QPushButton *> m_alarmButton = {};
-    QTimer m_dlgTimer;
+    QTimer m_dlgTimer{this};
     PerPort<double> m_allTimeMaxRange; //!< nautical miles; -1.0: none so far
 
     std::unique_ptr<Ui::aistestdlg> ui;

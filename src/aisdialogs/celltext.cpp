@@ -3,8 +3,28 @@
 #include "widgets/uiscale.h"
 
 #include <QDialog>
-#include <QFontMetrics>
+#include <QHeaderView>
+#include <QPainter>
+#include <QProxyStyle>
 #include <QTableWidget>
+#include <QTextDocument>
+
+namespace {
+
+// Of the titles of a header. Qt's own way leaves room for more than the arrow.
+class ElidingStyle : public QProxyStyle
+{
+public:
+    void drawItemText(QPainter *painter, const QRect &rect, int flags, const QPalette &palette,
+                      bool enabled, const QString &text, QPalette::ColorRole role) const override
+    {
+        const QString elided =
+            painter->fontMetrics().elidedText(text, Qt::ElideRight, rect.width());
+        QProxyStyle::drawItemText(painter, rect, flags, palette, enabled, elided, role);
+    }
+};
+
+} // namespace
 
 void scaleTableWindow(QDialog *window, QTableWidget *table)
 {
@@ -28,17 +48,38 @@ bool writeText(QTableWidgetItem *item, const QString &text)
     return true;
 }
 
-void fitText(QTableWidgetItem *item, const QFont &font, int columnWidth)
+QVariant ElidedItem::data(int role) const
 {
-    constexpr int margins = 8;
-    constexpr qreal smallestFont = 4;
-    constexpr qreal step = 0.25;
-    QFont smaller = font;
-    const auto width = [&] {
-        return QFontMetrics(smaller).size(0, item->text()).width() + margins;
-    };
-    while (width() > columnWidth && smaller.pointSizeF() > smallestFont)
-        smaller.setPointSizeF(smaller.pointSizeF() - step);
-    if (smaller.pointSizeF() < font.pointSizeF())
-        item->setFont(smaller);
+    if (role != Qt::ToolTipRole || !isElided())
+        return QTableWidgetItem::data(role);
+    // A text of the line is no rich text.
+    const QString whole = text();
+    return Qt::mightBeRichText(whole) ? Qt::convertFromPlainText(whole) : whole;
+}
+
+bool ElidedItem::isElided() const
+{
+    const QTableWidget *table = tableWidget();
+    if (!table)
+        return false;
+    if (column() >= 0) {
+        const QModelIndex index = table->model()->index(row(), column());
+        return table->sizeHintForIndex(index).width() > table->visualRect(index).width();
+    }
+    const QHeaderView *header = table->horizontalHeader();
+    for (int section = 0; section < header->count(); ++section) {
+        if (table->horizontalHeaderItem(section) == this)
+            return header->sectionSizeHint(section) > header->sectionSize(section);
+    }
+    return false;
+}
+
+void elideTitles(QTableWidget *table)
+{
+    auto *style = new ElidingStyle;
+    style->setParent(table);
+    table->horizontalHeader()->setStyle(style);
+    for (int column = 0; column < table->columnCount(); ++column)
+        table->setHorizontalHeaderItem(column,
+                                       new ElidedItem(*table->horizontalHeaderItem(column)));
 }

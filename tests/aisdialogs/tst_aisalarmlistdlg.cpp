@@ -3,8 +3,10 @@
 
 #include <QHeaderView>
 #include <QSignalSpy>
+#include <QSizeGrip>
 #include <QTableWidget>
 #include <QTest>
+#include <QTextDocument>
 
 #include <memory>
 
@@ -24,9 +26,15 @@ private slots:
     void rightRowThoughItMoves();
     void sortSurvivesANewRow();
     void rebuilds();
+    void rebuildsAFilledTable();
+    void newRowsAreAppended();
+    void toolTips_data();
+    void toolTips();
+    void toolTipIsPlainText();
     void rebuildsManyInAMoment();
     void resizes_data();
     void resizes();
+    void resizingGoesOnInTheDialog();
 
 private:
     void alarm(quint8 id, bool condition, bool acknowledged, const QString &text, int hour = 12,
@@ -211,6 +219,82 @@ void tst_aisalarmlistdlg::rebuilds()
     QCOMPARE(column(0), QStringList({"3", "7", "9"}));
 }
 
+// Emptied first. Of rows that are equal by the column sorted by, the last one comes first then.
+void tst_aisalarmlistdlg::rebuildsAFilledTable()
+{
+    for (const quint8 id : {quint8(7), quint8(3), quint8(9)})
+        alarm(id, true, false, text);
+    m_list->rebuild();
+    table()->sortByColumn(0, Qt::DescendingOrder);
+    table()->sortByColumn(2, Qt::AscendingOrder);
+    QCOMPARE(column(0), QStringList({"9", "7", "3"}));
+    const QSignalSpy removed(table()->model(), &QAbstractItemModel::rowsRemoved);
+    m_list->rebuild();
+    QCOMPARE(removed.size(), 1);
+    QCOMPARE(removed.at(0).at(1).toInt(), 0);
+    QCOMPARE(removed.at(0).at(2).toInt(), 2);
+    QCOMPARE(column(0), QStringList({"9", "3", "7"}));
+}
+
+void tst_aisalarmlistdlg::newRowsAreAppended()
+{
+    table()->sortByColumn(0, Qt::DescendingOrder);
+    const QSignalSpy inserted(table()->model(), &QAbstractItemModel::rowsInserted);
+    for (const quint8 id : {quint8(7), quint8(3), quint8(9)}) {
+        alarm(id, true, false, text);
+        m_list->showAlarm(id);
+    }
+    QCOMPARE(inserted.size(), 3);
+    for (int i = 0; i < inserted.size(); ++i)
+        QCOMPARE(inserted.at(i).at(1).toInt(), i);
+    QCOMPARE(column(0), QStringList({"9", "7", "3"}));
+}
+
+void tst_aisalarmlistdlg::toolTips_data()
+{
+    QTest::addColumn<int>("column");
+    QTest::addColumn<QString>("whole");
+
+    QTest::newRow("id") << 0 << "255";
+    QTest::newRow("time") << 1 << "12:05:34";
+    QTest::newRow("condition") << 2 << "not exceeded";
+    QTest::newRow("acknowledged") << 3 << "yes";
+    QTest::newRow("text") << 4 << text;
+}
+
+// While its column is too narrow, and only then.
+void tst_aisalarmlistdlg::toolTips()
+{
+    QFETCH(int, column);
+    QFETCH(QString, whole);
+    alarm(255, false, true, text);
+    m_list->showAlarm(255);
+    m_list->resize(1000, 222);
+    table()->horizontalHeader()->setStretchLastSection(false);
+    table()->horizontalHeader()->setMinimumSectionSize(15);
+    const QFont font = table()->item(0, column)->font();
+    const QTableWidgetItem *title = table()->horizontalHeaderItem(column);
+    table()->setColumnWidth(column, 20);
+    QCOMPARE(table()->item(0, column)->toolTip(), whole);
+    QCOMPARE(title->toolTip(), title->text());
+    table()->setColumnWidth(column, 300);
+    QCOMPARE(table()->item(0, column)->toolTip(), QString());
+    QCOMPARE(title->toolTip(), QString());
+    QCOMPARE(table()->item(0, column)->text(), whole);
+    QCOMPARE(table()->item(0, column)->font(), font);
+}
+
+void tst_aisalarmlistdlg::toolTipIsPlainText()
+{
+    alarm(5, false, true, QStringLiteral("<b>AIS</b>: all & sundry*"));
+    m_list->showAlarm(5);
+    table()->horizontalHeader()->setStretchLastSection(false);
+    table()->setColumnWidth(4, 40);
+    QTextDocument shown;
+    shown.setHtml(table()->item(0, 4)->toolTip());
+    QCOMPARE(shown.toPlainText(), QStringLiteral("<b>AIS</b>: all & sundry*"));
+}
+
 // As many as a port can have; the event loop waits meanwhile.
 void tst_aisalarmlistdlg::rebuildsManyInAMoment()
 {
@@ -244,6 +328,17 @@ void tst_aisalarmlistdlg::resizes()
     m_list->resize(window);
     QCOMPARE(m_list->size(), window);
     QTEST(table()->size(), "list");
+}
+
+// A dialog's own handler moves the grip to the corner.
+void tst_aisalarmlistdlg::resizingGoesOnInTheDialog()
+{
+    m_list->setSizeGripEnabled(true);
+    const auto *grip = m_list->findChild<QSizeGrip *>();
+    m_list->resize(500, 300);
+    QCOMPARE(grip->geometry().bottomRight(), QPoint(499, 299));
+    m_list->resize(500, 9);
+    QCOMPARE(grip->geometry().bottom(), 299);
 }
 
 QTEST_MAIN(tst_aisalarmlistdlg)

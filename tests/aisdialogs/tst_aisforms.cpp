@@ -10,6 +10,7 @@
 #include <QHeaderView>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QStyleOptionHeader>
 #include <QTableWidget>
 #include <QTest>
 
@@ -38,6 +39,8 @@ private slots:
     void rowsFit();
     void textsFit_data();
     void textsFit();
+    void titlesStayOffTheArrow_data();
+    void titlesStayOffTheArrow();
 };
 
 using namespace FormCheck;
@@ -346,6 +349,62 @@ void tst_aisforms::textsFit()
     dialog.show();
     const QTableWidget *table = tableOf(dialog);
     QVERIFY(textSize(table, text).width() + margins <= table->columnWidth(column));
+}
+
+void tst_aisforms::titlesStayOffTheArrow_data()
+{
+    QTest::addColumn<QString>("dialog");
+    QTest::addColumn<int>("column");
+
+    for (int column = 0; column < 3; ++column)
+        QTest::addRow("target list, column %d", column) << "AisTargetListDlg" << column;
+    for (int column = 0; column < 5; ++column)
+        QTest::addRow("alarm list, column %d", column) << "AisAlarmListDlg" << column;
+}
+
+// However narrow the column, a title begins with its first letters, and nothing stands under the
+// arrow.
+void tst_aisforms::titlesStayOffTheArrow()
+{
+    QFETCH(QString, dialog);
+    QFETCH(int, column);
+    const auto window = make(dialog);
+    QTableWidget *table = tableOf(*window);
+    QHeaderView *header = table->horizontalHeader();
+    header->setStretchLastSection(false);
+    window->show();
+    table->sortByColumn(column, Qt::AscendingOrder);
+    const QString title = table->horizontalHeaderItem(column)->text();
+    int settled = 0;
+    for (int width = 30; width < 160; width += 7) {
+        table->setColumnWidth(column, width);
+        QStyleOptionHeader option;
+        option.initFrom(header);
+        option.rect = QRect(0, 0, width, header->height());
+        option.state |= QStyle::State_Horizontal;
+        option.sortIndicator = QStyleOptionHeader::SortDown;
+        const QRect label =
+            header->style()->subElementRect(QStyle::SE_HeaderLabel, &option, header);
+        const QRect arrow =
+            header->style()->subElementRect(QStyle::SE_HeaderArrow, &option, header);
+        const auto grab = [&](const QString &text) {
+            table->horizontalHeaderItem(column)->setText(text);
+            const QRect section =
+                option.rect.translated(header->sectionViewportPosition(column), 0);
+            return header->viewport()->grab(section).toImage();
+        };
+        const QImage painted = grab(title);
+        const auto elided = [&](const QString &text) {
+            return header->fontMetrics().elidedText(text, Qt::ElideRight, label.width());
+        };
+        // With its dots a text may be a pixel too wide, and would be elided once more.
+        const bool isSettled = elided(elided(title)) == elided(title);
+        QVERIFY2(!isSettled || painted == grab(elided(title)), qPrintable(QString::number(width)));
+        settled += isSettled;
+        QVERIFY2(painted.copy(arrow) == grab(QString()).copy(arrow),
+                 qPrintable(QString::number(width)));
+    }
+    QVERIFY(settled > 10);
 }
 
 TK7_FORM_TEST_MAIN(tst_aisforms)

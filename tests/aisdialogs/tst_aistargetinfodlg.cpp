@@ -7,6 +7,7 @@
 #include <QSignalSpy>
 #include <QTableWidget>
 #include <QTest>
+#include <QTimer>
 
 /*! One vessel, field by field. */
 class tst_aistargetinfodlg : public QObject
@@ -25,6 +26,7 @@ private slots:
     void retargets();
     void age_data();
     void age();
+    void ageIsWrittenEachSecond();
     void noAgeWithoutATarget();
     void ageOfATargetThatWasNeverHeard();
     void goesOnReadingAnAgedTarget();
@@ -228,6 +230,16 @@ void tst_aistargetinfodlg::age()
     clock.advance(seconds);
     QTRY_VERIFY_WITH_TIMEOUT(!value(info, ageRow).isEmpty(), tick);
     QTEST(value(info, ageRow), "text");
+}
+
+void tst_aistargetinfodlg::ageIsWrittenEachSecond()
+{
+    const AisTargetInfoDlg info(nullptr);
+    const auto *timer = info.findChild<QTimer *>(QString(), Qt::FindDirectChildrenOnly);
+    QVERIFY(timer);
+    QVERIFY(timer->isActive());
+    QVERIFY(!timer->isSingleShot());
+    QCOMPARE(timer->interval(), 1000);
 }
 
 void tst_aistargetinfodlg::noAgeWithoutATarget()

@@ -6,10 +6,15 @@
 
 #include <QHeaderView>
 #include <QScrollBar>
+#include <QSignalSpy>
+#include <QSizeGrip>
 #include <QTableWidget>
 #include <QTest>
 
+#include <functional>
 #include <memory>
+
+Q_DECLARE_METATYPE(std::function<void()>)
 
 /*! The targets of one input port. */
 class tst_aistargetlistdlg : public QObject
@@ -17,6 +22,7 @@ class tst_aistargetlistdlg : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void init();
     void cleanup();
 
@@ -34,10 +40,18 @@ private slots:
     void refreshOfManyRows();
     void lostPosition_data();
     void lostPosition();
-    void hiddenListIsSortedWhenShown();
-    void outOfSightIsNotPainted();
+    void hiddenListIsSortedToo();
+    void writesOnChangeOnly_data();
+    void writesOnChangeOnly();
+    void refreshWritesOnChangeOnly();
+    void fillsWithOneSort();
+    void manyChangesAreOneFrame();
+    void userIsServedAtOnce_data();
+    void userIsServedAtOnce();
     void sameTextIsNotPainted();
     void doubleClickShowsTheTarget();
+    void eachOpeningRefreshes();
+    void doubleClickOnARowJustGone();
     void oneInformationWindow();
     void informationFollows();
     void doubleClickWithoutATarget_data();
@@ -47,6 +61,7 @@ private slots:
     void returningTargetIsAnother();
     void resizes_data();
     void resizes();
+    void resizingGoesOnInTheDialog();
 
 private:
     void hear(const PositionReport &report);
@@ -71,6 +86,7 @@ private:
 namespace {
 
 constexpr int rangeColumn = 2;
+constexpr int longestFrame = 2500; // ms, more than that of the list
 
 // Counts how often a widget is painted.
 class PaintCount : public QObject
@@ -93,6 +109,13 @@ void settle()
 }
 
 } // namespace
+
+// What a spy of layoutChanged() keeps.
+void tst_aistargetlistdlg::initTestCase()
+{
+    qRegisterMetaType<QList<QPersistentModelIndex>>();
+    qRegisterMetaType<QAbstractItemModel::LayoutChangeHint>();
+}
 
 void tst_aistargetlistdlg::init()
 {
@@ -394,7 +417,7 @@ void tst_aistargetlistdlg::lostPosition()
     QCOMPARE(table()->item(rowOf(2), rangeColumn)->text(), QStringLiteral("20.0"));
 }
 
-void tst_aistargetlistdlg::hiddenListIsSortedWhenShown()
+void tst_aistargetlistdlg::hiddenListIsSortedToo()
 {
     for (quint32 mmsi = 1; mmsi <= 20; ++mmsi)
         hear(AisTalk::northOf(mmsi, mmsi));
@@ -406,39 +429,126 @@ void tst_aistargetlistdlg::hiddenListIsSortedWhenShown()
     m_list->slotDeleteTarget(7);
     QCOMPARE(table()->item(rowOf(3), rangeColumn)->text(), QStringLiteral("00.5"));
     QCOMPARE(table()->item(rowOf(1), rangeColumn)->text(), QStringLiteral("14.0"));
-    m_list->show();
     QVERIFY(table()->isSortingEnabled());
     const QStringList ranges = column(rangeColumn);
     QCOMPARE(ranges.size(), 20);
     QVERIFY(std::is_sorted(ranges.begin(), ranges.end()));
-    hear(AisTalk::northOf(3, 100));
-    QCOMPARE(column(0).last(), QStringLiteral("3"));
+    const QStringList rows = column(0);
+    m_list->show();
+    QCOMPARE(column(0), rows);
 }
 
-void tst_aistargetlistdlg::outOfSightIsNotPainted()
+void tst_aistargetlistdlg::writesOnChangeOnly_data()
 {
-    for (quint32 mmsi = 1; mmsi <= 200; ++mmsi)
-        hear(AisTalk::northOf(mmsi, mmsi / 10.0));
-    settle();
+    QTest::addColumn<double>("minutes"); // where the target reports itself
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<int>("writes");
+    QTest::addColumn<bool>("moves");
+
+    QTest::newRow("nothing") << 10.04 << QByteArray("NAME") << 0 << false;
+    QTest::newRow("range") << 10.3 << QByteArray("NAME") << 1 << false;
+    QTest::newRow("range, behind another row") << 13.0 << QByteArray("NAME") << 1 << true;
+    QTest::newRow("range, on the way up to its equal") << 8.0 << QByteArray("NAME") << 1 << true;
+    QTest::newRow("name") << 10.0 << QByteArray("OTHER") << 1 << false;
+    QTest::newRow("both") << 10.3 << QByteArray("OTHER") << 2 << false;
+}
+
+// An item drops a text that it has, so the signals of the model are what tells.
+void tst_aistargetlistdlg::writesOnChangeOnly()
+{
+    QFETCH(double, minutes);
+    QFETCH(QByteArray, name);
+    QFETCH(int, writes);
+    QFETCH(bool, moves);
+    hear(AisTalk::northOf(1, 8));
+    hear(AisTalk::northOf(2, 9));
+    hear(AisTalk::northOf(3, 12));
+    hear(AisTalk::northOf(5, 10));
+    hear(AisTalk::named(5, "NAME"));
+    const QSignalSpy written(table()->model(), &QAbstractItemModel::dataChanged);
+    const QSignalSpy moved(table()->model(), &QAbstractItemModel::layoutChanged);
+    hear(AisTalk::northOf(5, minutes));
+    hear(AisTalk::named(5, name));
+    m_list->refreshRanges();
+    QCOMPARE(written.size(), writes);
+    QCOMPARE(!moved.isEmpty(), moves);
+}
+
+void tst_aistargetlistdlg::refreshWritesOnChangeOnly()
+{
+    for (quint32 mmsi = 1; mmsi <= 20; ++mmsi)
+        hear(AisTalk::northOf(mmsi, mmsi + (mmsi % 2 ? 0.04 : 0.0)));
+    const QSignalSpy written(table()->model(), &QAbstractItemModel::dataChanged);
+    const QSignalSpy moved(table()->model(), &QAbstractItemModel::layoutChanged);
+    m_list->refreshRanges();
+    QCOMPARE(written.size(), 0);
+    QCOMPARE(moved.size(), 0);
+    setOwnPosition(-0.02); // half of them read another range then
+    m_list->refreshRanges();
+    QCOMPARE(written.size(), 10);
+    QCOMPARE(moved.size(), 1); // one sort
+}
+
+void tst_aistargetlistdlg::fillsWithOneSort()
+{
+    for (quint32 mmsi = 1; mmsi <= 20; ++mmsi)
+        hear(AisTalk::northOf(mmsi, 30 - mmsi));
+    AisTargetListDlg late(nullptr);
+    const auto *list = late.findChild<QTableWidget *>();
+    const QSignalSpy moved(list->model(), &QAbstractItemModel::layoutChanged);
+    late.setAis(m_ais.get());
+    QCOMPARE(list->rowCount(), 20);
+    QCOMPARE(moved.size(), 1);
+}
+
+void tst_aistargetlistdlg::manyChangesAreOneFrame()
+{
+    for (quint32 mmsi = 1; mmsi <= 20; ++mmsi)
+        hear(AisTalk::northOf(mmsi, mmsi));
+    QTRY_VERIFY(table()->updatesEnabled());
+    QTest::qWait(longestFrame);
     PaintCount paints(table()->viewport());
-    hear(AisTalk::northOf(150, 17.57)); // moves
-    hear(AisTalk::named(160, "OUT OF SIGHT"));
+    hear(AisTalk::northOf(20, 0.5));
     settle();
-    QCOMPARE(rowOf(150), 174);
-    QCOMPARE(paints.count, 0);
-    hear(AisTalk::northOf(199, 0.05)); // into sight
-    settle();
-    QVERIFY(paints.count > 0);
-    table()->verticalScrollBar()->setValue(150);
-    settle();
+    QVERIFY(paints.count > 0); // the first change at once
     paints.count = 0;
-    hear(AisTalk::northOf(2, 0.12));
-    settle();
+    for (quint32 mmsi = 1; mmsi <= 19; ++mmsi) {
+        hear(AisTalk::northOf(mmsi, 30 - mmsi));
+        settle();
+    }
     QCOMPARE(paints.count, 0);
-    // From above to below: all that is in sight moves up.
-    hear(AisTalk::northOf(2, 30));
+    QTRY_VERIFY_WITH_TIMEOUT(table()->updatesEnabled(), longestFrame);
     settle();
     QVERIFY(paints.count > 0);
+    QVERIFY(paints.count < 5);
+}
+
+void tst_aistargetlistdlg::userIsServedAtOnce_data()
+{
+    QTest::addColumn<std::function<void()>>("act");
+
+    QTest::newRow("scrolls") << std::function<void()>(
+        [this] { table()->verticalScrollBar()->setValue(5); });
+    QTest::newRow("selects") << std::function<void()>([this] { table()->selectRow(3); });
+    QTest::newRow("widens a column")
+        << std::function<void()>([this] { table()->setColumnWidth(0, 120); });
+    QTest::newRow("sorts") << std::function<void()>(
+        [this] { table()->sortByColumn(0, Qt::DescendingOrder); });
+    QTest::newRow("resizes the window")
+        << std::function<void()>([this] { m_list->resize(m_list->width(), 300); });
+}
+
+void tst_aistargetlistdlg::userIsServedAtOnce()
+{
+    QFETCH(std::function<void()>, act);
+    for (quint32 mmsi = 1; mmsi <= 50; ++mmsi)
+        hear(AisTalk::northOf(mmsi, mmsi));
+    settle();
+    hear(AisTalk::northOf(1, 60));
+    hear(AisTalk::northOf(2, 61));
+    QVERIFY(!table()->updatesEnabled());
+    act();
+    QVERIFY(table()->updatesEnabled());
 }
 
 void tst_aistargetlistdlg::sameTextIsNotPainted()
@@ -466,6 +576,27 @@ void tst_aistargetlistdlg::doubleClickShowsTheTarget()
     QCOMPARE(info()->windowTitle(), QStringLiteral("AIS Target Info - input port 9"));
     QCOMPARE(info()->target(), m_ais->findTarget(12));
     QCOMPARE(infoValue(0), QStringLiteral("12"));
+}
+
+void tst_aistargetlistdlg::eachOpeningRefreshes()
+{
+    hear(AisTalk::northOf(12, 12));
+    doubleClick(12);
+    info()->findChild<QTableWidget *>()->item(0, 1)->setText(QStringLiteral("x"));
+    doubleClick(12);
+    QCOMPARE(infoValue(0), QStringLiteral("12"));
+}
+
+// Between the two clicks: the table tells the number of a row that is gone by then.
+void tst_aistargetlistdlg::doubleClickOnARowJustGone()
+{
+    hear(AisTalk::northOf(11, 10));
+    hear(AisTalk::northOf(12, 12));
+    ageOut(11);
+    emit table()->cellDoubleClicked(1, 0);
+    QVERIFY(!info());
+    emit table()->cellDoubleClicked(-1, 0);
+    QVERIFY(!info());
 }
 
 void tst_aistargetlistdlg::oneInformationWindow()
@@ -584,6 +715,17 @@ void tst_aistargetlistdlg::resizes()
     m_list->resize(width + 50, height);
     QCOMPARE(m_list->size(), QSize(width, height));
     QTEST(table()->height(), "listHeight");
+}
+
+// A dialog's own handler moves the grip to the corner.
+void tst_aistargetlistdlg::resizingGoesOnInTheDialog()
+{
+    m_list->setSizeGripEnabled(true);
+    const auto *grip = m_list->findChild<QSizeGrip *>();
+    m_list->resize(m_list->width(), 300);
+    QCOMPARE(grip->geometry().bottom(), 299);
+    m_list->resize(m_list->width(), 9);
+    QCOMPARE(grip->geometry().bottom(), 299);
 }
 
 QTEST_MAIN(tst_aistargetlistdlg)

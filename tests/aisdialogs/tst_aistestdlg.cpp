@@ -11,6 +11,7 @@
 #include <QSignalSpy>
 #include <QTableWidget>
 #include <QTest>
+#include <QTimer>
 
 #include <memory>
 
@@ -56,6 +57,8 @@ private slots:
     void windows();
     void windowsAreKept_data();
     void windowsAreKept();
+    void eachOpeningRefreshes();
+    void ticksEachSecond();
     void ownWindowFollows();
     void ownWindowIsNotThatOfTheList();
     void alarmWindowFollows();
@@ -576,6 +579,32 @@ void tst_aistestdlg::windowsAreKept()
     QCOMPARE(window->findChild<QTableWidget *>()->rowCount(), column == Own ? 19 : 2);
     if (column == Own)
         QCOMPARE(infoValue(*window, 0), QString::number(second));
+}
+
+// What a window shows by chance doesn't outlast its next opening; the list of targets alone is
+// opened as it stands.
+void tst_aistestdlg::eachOpeningRefreshes()
+{
+    hear(AisTalk::own(4, AisTalk::northOf(first, 10)));
+    hear(AisTalk::alarm(4, 5, 'A', 'V'));
+    for (const Column column : {Own, Alarms}) {
+        auto *opened = open<QDialog>(column)->findChild<QTableWidget *>();
+        if (column == Alarms)
+            opened = m_dialog->findChild<AisAlarmListDlg *>()->findChild<QTableWidget *>();
+        const QString text = opened->item(0, 1)->text();
+        opened->item(0, 1)->setText(QStringLiteral("x"));
+        open<QDialog>(column);
+        QCOMPARE(opened->item(0, 1)->text(), text);
+    }
+}
+
+void tst_aistestdlg::ticksEachSecond()
+{
+    const auto *timer = m_dialog->findChild<QTimer *>(QString(), Qt::FindDirectChildrenOnly);
+    QVERIFY(timer);
+    QVERIFY(timer->isActive());
+    QVERIFY(!timer->isSingleShot());
+    QCOMPARE(timer->interval(), 1000);
 }
 
 void tst_aistestdlg::ownWindowFollows()
