@@ -32,8 +32,6 @@ namespace {
 constexpr double msecsPerSecond = 1000;
 constexpr double nsecsPerMsec = 1e6;
 constexpr int lookInterval = 20; // ms
-constexpr int shareAim = 10;     // per cent of a core
-constexpr int gapAim = 20;       // ms
 
 // The columns of the test's table.
 constexpr int targetsColumn = 3;
@@ -173,6 +171,8 @@ struct Load
     const char *name;
     int vessels;
     QVector<int> ports; // empty: all
+    int shareAim;       // per cent of a core
+    int workAim;        // ms at a stretch
 };
 
 // A run of the AIS test under one load: its phases, a line of the table for each.
@@ -279,7 +279,7 @@ private:
                     double(m_sentences - sentencesBefore) * msecsPerSecond / elapsed, share,
                     heart.longestGap(), idle.stop(), heart.longestWork());
         std::fflush(stdout);
-        m_isMet = m_isMet && share < shareAim && heart.longestWork() < gapAim;
+        m_isMet = m_isMet && share < m_load.shareAim && heart.longestWork() < m_load.workAim;
     }
 
     Load m_load;
@@ -306,11 +306,11 @@ int main(int argc, char *argv[])
     const int seconds = parser.value(QStringLiteral("seconds")).toInt();
     platform::setLeftControlSource([] { return true; });
 
+    // Some vessels are heard at several ports, so 5,000 make 500 on each of twelve.
     const Load loads[] = {
-        {"12 ports", 100, {}},
-        {"12 ports", 1000, {}},
-        {"12 ports", 3000, {}},
-        {"all on one port", 3000, {3}},
+        {"10 on each port", 100, {}, 5, 20},
+        {"500 on each port", 5000, {}, 5, 20},
+        {"3,000 on one port", 3000, {3}, 25, 250},
     };
     std::printf("AIS test on a saturated line of 115200 baud\n\n");
     std::printf("%-22s %-26s %5s %8s %11s %10s %9s %9s %9s\n", "load", "windows", "ports",
@@ -322,9 +322,9 @@ int main(int argc, char *argv[])
             std::printf("The test did not come through.\n");
             return 1;
         }
+        std::printf("Under %d %% of a core and %d ms of work at a stretch: %s\n\n", load.shareAim,
+                    load.workAim, run.isMet() ? "met" : "missed");
         isMet = isMet && run.isMet();
     }
-    std::printf("\nUnder %d %% of a core and %d ms of work at a stretch: %s\n", shareAim, gapAim,
-                isMet ? "met" : "missed");
-    return 0;
+    return isMet ? 0 : 1;
 }
