@@ -308,7 +308,7 @@ int main(int argc, char *argv[])
 
     // Some vessels are heard at several ports, so 5,000 make 500 on each of twelve.
     const Load loads[] = {
-        {"10 on each port", 100, {}, 5, 20},
+        {"10 on each port", 100, {}, 10, 20},
         {"500 on each port", 5000, {}, 5, 20},
         {"3,000 on one port", 3000, {3}, 25, 250},
     };
