@@ -5,9 +5,17 @@
 #include <QFileDialog>
 #include <QFileInfo>
 
+#include <filesystem>
+
 namespace {
 
 const QString ruleFileSuffix = QStringLiteral("vrr");
+
+bool isPipe(const QString &fileName)
+{
+    std::error_code ignored;
+    return std::filesystem::is_fifo(fileName.toStdU16String(), ignored);
+}
 
 } // namespace
 
@@ -20,8 +28,9 @@ void MainWindow::slotSaveToFile()
         QFileDialog::getSaveFileName(nullptr, tr("Save rules"), QString(), tr("TK-7 data (*.vrr)"));
     if (fileName.isEmpty())
         return;
+    // A pipe would keep the tool waiting for its reader.
     QFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+    if (isPipe(fileName) || !file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
         QMessageBox::warning(this, tr("Save Rules"), tr("Error open file %1").arg(fileName));
         return;
     }
@@ -49,8 +58,9 @@ void MainWindow::slotLoadFromFile()
                                                           tr("TK-7 data (*.vrr) ;; *.*"));
     if (fileName.isEmpty())
         return;
+    // A pipe or a terminal would keep the tool waiting.
     QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly)) {
+    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly)) {
         QMessageBox::warning(this, tr("Load Rules"), tr("Error open file %1").arg(fileName));
         return;
     }

@@ -4,6 +4,7 @@
 #include "../model/richmodel.h"
 #include "model/rulefile.h"
 #include "support/filedialoganswer.h"
+#include "support/nofile.h"
 
 #include <QBuffer>
 #include <QComboBox>
@@ -311,12 +312,14 @@ private slots:
     void fileSizeLimit_data();
     void fileSizeLimit();
     void fullDevice();
+    void saveToAPipe();
     void fullFileSystem();
     void whatWasDownloadedIsSaved();
 
     void loads_data();
     void loads();
     void loadLooksAtNoSuffix();
+    void loadCantOpen_data();
     void loadCantOpen();
     void loadFails_data();
     void loadFails();
@@ -519,6 +522,19 @@ void TestRuleFiles::fullDevice()
     QVERIFY(QFile::exists("/dev/full"));
 }
 
+// Nobody reads it, and nobody will.
+void TestRuleFiles::saveToAPipe()
+{
+    Bench bench;
+    const QString path = bench.path("rules.vrr");
+    makeNoFile(NoFile::Pipe, path);
+    bench.expectReplaceQuestion("rules.vrr");
+    bench.expectWarning(saveTitle, QStringLiteral("Error open file %1").arg(path));
+    bench.save(path);
+    QCOMPARE(bench.report(), QString());
+    QVERIFY(QFile::exists(path));
+}
+
 void TestRuleFiles::fullFileSystem()
 {
 #ifdef Q_OS_LINUX
@@ -615,14 +631,20 @@ void TestRuleFiles::loadLooksAtNoSuffix()
     }
 }
 
-// A file that vanishes between the dialog and the reading.
+void TestRuleFiles::loadCantOpen_data()
+{
+    addNoFiles();
+}
+
+// A file that goes between the dialog and the reading.
 void TestRuleFiles::loadCantOpen()
 {
+    QFETCH(NoFile, noFile);
     Bench bench;
     const QString path = bench.path("rules.vrr");
     makeFile(path, dataFile("rules-rich.vrr"));
     auto dialog = bench.loadDialog(path);
-    dialog.onFinished = [path] { QFile::remove(path); };
+    dialog.onFinished = [=] { makeNoFile(noFile, path); };
     bench.dialogs.expect(dialog);
     bench.expectWarning(loadTitle, QStringLiteral("Error open file %1").arg(path));
     bench.find<QPushButton>("pushButton_LoadFile")->click();
