@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QSerialPort>
 #include <QStringRef>
+#include <QThread>
 #include <QTimer>
 
 #include <cstring>
@@ -267,6 +268,16 @@ bool NmeaSerialPort::sendSentence(const QString &sentence)
     return true;
 }
 
+void NmeaSerialPort::finishSending()
+{
+    while (isPortOpen() && !sendQueue.isEmpty()) {
+        QThread::msleep(sendInterval);
+        slot_send_timer();
+    }
+    if (isPortOpen())
+        flushPort();
+}
+
 void NmeaSerialPort::suspendConfirm()
 {
     confirmSuspended = true;
@@ -288,10 +299,16 @@ void NmeaSerialPort::slot_send_timer()
     }
     if (!sentence.startsWith(disconnectSentence))
         return;
-    // The slots close the port at once, and closing drops what QSerialPort still holds.
+    // The slots close the port at once.
+    flushPort();
+    emit signalVRSendDisconnect();
+}
+
+// Closing drops what QSerialPort still holds.
+void NmeaSerialPort::flushPort()
+{
     serial->flush();
     platform::drain(*serial);
-    emit signalVRSendDisconnect();
 }
 
 void NmeaSerialPort::slot_connect_timer()

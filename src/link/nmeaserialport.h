@@ -51,6 +51,12 @@ public:
      */
     bool sendSentence(const QString &sentence);
 
+    /*!
+     * Writes what is still queued, at the queue's pace, and returns when it has left the computer:
+     * closing the port would drop it.
+     */
+    void finishSending();
+
     /*! Stops watching the link until the next open or handshake: the router is about to restart. */
     void suspendConfirm();
 
@@ -121,6 +127,7 @@ private:
     void releaseTimer(QTimer *&timer);
     void releaseLostPort();
     bool isPortOpen() const;
+    void flushPort();
 
     void consumeBlock();
     void handleLine(const QByteArray &bytes);

@@ -38,6 +38,9 @@ private slots:
     void disconnectWaitsForItsTurn();
     void otherSentencesDontDisconnect_data();
     void otherSentencesDontDisconnect();
+    void finishesSending();
+    void finishesWithoutAPort();
+    void finishesWithADisconnect();
     void writeErrorLosesOneSentence();
     void writeErrorOnDisconnect();
     void encoding();
@@ -164,6 +167,51 @@ void tst_NmeaSerialPortQueue::otherSentencesDontDisconnect()
     QVERIFY(rig.link()->sendSentence("$VREND\r\n"));
     QTRY_VERIFY(rig.pty().received().endsWith((sentence + "$VREND\r\n").toLatin1()));
     QCOMPARE(rig.journal().count(disconnected), signalled);
+}
+
+// Without the event loop, at the queue's pace, and complete when the port is closed behind it.
+void tst_NmeaSerialPortQueue::finishesSending()
+{
+    LinkRig rig(LinkRig::routerAt(4800));
+    QVERIFY(rig.openAndConnect());
+    for (int i = 0; i < 4; ++i)
+        QVERIFY(rig.link()->sendSentence(numbered(i)));
+    const qint64 before = rig.pty().micros();
+    rig.link()->finishSending();
+    const qint64 lasted = rig.pty().micros() - before;
+    rig.link()->closePort();
+    QVERIFY2(lasted >= 4 * sendInterval * 1000, qPrintable(QString::number(lasted)));
+    const QByteArray all = (numbered(0) + numbered(1) + numbered(2) + numbered(3)).toLatin1();
+    QTRY_VERIFY(rig.pty().received().endsWith(all));
+    QTest::qWait(4 * sendInterval);
+    QVERIFY(rig.pty().received().endsWith(all));
+}
+
+void tst_NmeaSerialPortQueue::finishesWithoutAPort()
+{
+    LinkRig rig;
+    rig.link()->finishSending();
+    rig.open();
+    QVERIFY(rig.link()->sendSentence("$VRRLD\r\n"));
+    rig.link()->closePort();
+    rig.link()->finishSending();
+    QTest::qWait(4 * sendInterval);
+    QCOMPARE(rig.pty().received(), QByteArray());
+}
+
+// The slot closes the port in the midst of it.
+void tst_NmeaSerialPortQueue::finishesWithADisconnect()
+{
+    LinkRig rig(LinkRig::routerAt(4800));
+    QVERIFY(rig.openAndConnect());
+    connect(rig.link(), &NmeaSerialPort::signalVRSendDisconnect, rig.link(),
+            &NmeaSerialPort::closePort);
+    for (const char *sentence : {"$VRONE\r\n", "$VRDCN\r\n", "$VRTWO\r\n"})
+        QVERIFY(rig.link()->sendSentence(sentence));
+    rig.link()->finishSending();
+    QTRY_VERIFY(rig.pty().received().endsWith("$VRONE\r\n$VRDCN\r\n"));
+    QTest::qWait(4 * sendInterval);
+    QVERIFY(rig.pty().received().endsWith("$VRONE\r\n$VRDCN\r\n"));
 }
 
 void tst_NmeaSerialPortQueue::writeErrorLosesOneSentence()
