@@ -9,6 +9,7 @@
 
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QTimer>
 
 #include <algorithm>
@@ -184,7 +185,9 @@ QString servicedlg::serialText() const
     for (int group = serialSize - serialGroup; group >= 0; group -= serialGroup) {
         QByteArray bytes = serial_record.mid(group, serialGroup);
         std::reverse(bytes.begin(), bytes.end());
-        text += QString::fromLatin1(chip_text_view ? bytes : bytes.toHex());
+        if (!chip_text_view)
+            bytes = bytes.toHex();
+        text += QString::fromLatin1(bytes.constData(), bytes.size()); // zeros, too
         text += QLatin1Char(' ');
     }
     return text;
@@ -435,8 +438,9 @@ bool servicedlg::loadFirmware(const QString &fileName)
 QString servicedlg::loadError(const QString &fileName)
 {
     using FirmwareImage::ReadResult;
+    // A pipe or a terminal would keep the tool waiting.
     QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))
         return tr("Error open file %1").arg(fileName);
     switch (FirmwareImage::read(file, *firmware_buffer)) {
     case ReadResult::TooBig:

@@ -43,7 +43,14 @@ private slots:
     void exitCloses();
     void staysOpenWhenTheRouterIsTaken();
     void sendersAskForAConnection();
+    void sendersInTheHandshake();
+    void whatIsHandledAtOnce();
+    void boxesComeBehindTheSentence_data();
+    void boxesComeBehindTheSentence();
 };
+
+using Sentence = std::function<void(NmeaSerialPort &)>;
+Q_DECLARE_METATYPE(Sentence)
 
 namespace {
 
@@ -125,6 +132,18 @@ QPushButton *button(const servicedlg &dialog, const char *name)
     if (!found)
         qFatal("no button %s", name);
     return found;
+}
+
+void callAllSenders(MainWindow &window)
+{
+    window.slotRequestStatusErrors(7);
+    window.slotClearStatusErrors();
+    window.slotSendMode(QStringLiteral("Day"));
+    window.slotSendLockPassword(QStringLiteral("aB3"));
+    window.slotSendUnlockPassword(QStringLiteral("aB3"));
+    window.slotSendRemovePassword();
+    window.slotVRViewPassword();
+    window.slotLockClicked();
 }
 
 QString chipLabel(const servicedlg &dialog)
@@ -541,23 +560,93 @@ void tst_service::staysOpenWhenTheRouterIsTaken()
 void tst_service::sendersAskForAConnection()
 {
     ScriptedBench bench;
-    const auto callAll = [&] {
-        bench.window.slotRequestStatusErrors(7);
-        bench.window.slotClearStatusErrors();
-        bench.window.slotSendMode(QStringLiteral("Day"));
-        bench.window.slotSendLockPassword(QStringLiteral("aB3"));
-        bench.window.slotSendUnlockPassword(QStringLiteral("aB3"));
-        bench.window.slotSendRemovePassword();
-        bench.window.slotVRViewPassword();
-        bench.window.slotLockClicked();
-    };
-    callAll();
+    callAllSenders(bench.window);
     QVERIFY(bench.connectToRouter());
-    callAll();
+    callAllSenders(bench.window);
     QTRY_COMPARE(bench.heard(),
                  QList<QByteArray>({"$VRSTA,7*59\r\n", "$VRSTC\r\n", checkedLine("$VRMOD,Day"),
                                     checkedLine("$VRPWS,aB3"), checkedLine("$VRPWU,aB3"),
                                     "$VRPWD\r\n", "$VRPWV\r\n"}));
+}
+
+// Of all of them only the poll asks whether the connection stands.
+void tst_service::sendersInTheHandshake()
+{
+    ScriptedBench bench;
+    bench.boxes.expect({QStringLiteral("TK-7 Router"),
+                        QStringLiteral("NMEA Router TK-7 connected\n   Download rules complete"),
+                        QMessageBox::Information});
+    bench.find<QPushButton>("pushButton_connect")->click();
+    QVERIFY(bench.window.currentLink() && !bench.window.isConnected());
+    callAllSenders(bench.window);
+    QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    bench.waitUntilHeard();
+    QList<QByteArray> heard = bench.heard();
+    heard.removeAll("$VRCNT\r\n");
+    QCOMPARE(heard.mid(0, 6),
+             QList<QByteArray>({"$VRSTC\r\n", checkedLine("$VRMOD,Day"), checkedLine("$VRPWS,aB3"),
+                                checkedLine("$VRPWU,aB3"), "$VRPWD\r\n", "$VRPWV\r\n"}));
+    QVERIFY(!heard.contains(request(7)));
+}
+
+// Counters, chip and lock are dealt with before the link goes on reading, the lock's box included.
+void tst_service::whatIsHandledAtOnce()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        NmeaSerialPort *link = bench.window.currentLink();
+        emit link->signalVRStatusErrors(11, 1, 2, 3, 4, 5);
+        QCOMPARE(cell(dialog, 11, 4), QStringLiteral("5"));
+        QByteArray chip = QByteArray::fromHex(chipDigits);
+        emit link->signalVRSerial(&chip);
+        QCOMPARE(chipLabel(dialog), chipText);
+        bench.boxes.expect(
+            warning(QStringLiteral("Unlock TK-7"), QStringLiteral("Wrong Unlock Password")));
+        emit link->signalVRLockStatus(true, 0);
+        QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+        QCOMPARE(button(dialog, "pushButton_Lock")->text(), QStringLiteral("UNLOCK"));
+    }));
+}
+
+void tst_service::boxesComeBehindTheSentence_data()
+{
+    QTest::addColumn<Sentence>("sentence");
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("icon");
+
+    const auto answer = [](bool result) {
+        return Sentence(
+            [result](NmeaSerialPort &link) { emit link.signalVRSetPasswordAnswer(result); });
+    };
+    const QString title = QStringLiteral("Set lock password");
+    QTest::newRow("password set") << answer(true) << title << "Lock password set successfully"
+                                  << int(QMessageBox::Information);
+    QTest::newRow("password refused")
+        << answer(false) << title << "Password setting error" << int(QMessageBox::Warning);
+    QTest::newRow("password under view")
+        << Sentence([](NmeaSerialPort &link) { emit link.signalVRSendPassword("aB3"); })
+        << "Lock password"
+        << "Current Lock Password: aB3" << int(QMessageBox::Information);
+}
+
+// The signal of the sentence returns before its box opens.
+void tst_service::boxesComeBehindTheSentence()
+{
+    QFETCH(Sentence, sentence);
+    QFETCH(QString, title);
+    QFETCH(QString, text);
+    QFETCH(int, icon);
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(bench.inService([&](servicedlg &) {
+        const int before = bench.boxes.answered();
+        bench.boxes.expect({title, text, QMessageBox::Icon(icon)});
+        sentence(*bench.window.currentLink());
+        QCOMPARE(bench.boxes.answered(), before);
+        QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    }));
 }
 
 QTEST_MAIN(tst_service)

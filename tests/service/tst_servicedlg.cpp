@@ -156,6 +156,11 @@ void tst_servicedlg::chipBytes_data()
                                << QStringLiteral("e9e9e9e9 ").repeated(4);
     QTest::newRow("markup is no markup") << QByteArray("<b>x</b><i>y</i>") << ">i/< y>i< >b/< x>b< "
                                          << "3e692f3c 793e693c 3e622f3c 783e623c ";
+    const QString zeros(4, QChar(0));
+    QTest::newRow("zeros between")
+        << QByteArray("A\0CDEFGH\0\0\0\0MNO\0", 16)
+        << QString(QChar(0)) + "ONM " + zeros + " HGFE DC" + QChar(0) + "A "
+        << "004f4e4d 00000000 48474645 44430041 ";
     QTest::newRow("too short to be one") << QByteArray("012345678") << QString() << QString();
     QTest::newRow("empty") << QByteArray() << QString() << QString();
 }
