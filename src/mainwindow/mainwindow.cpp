@@ -32,6 +32,7 @@ MainWindow::MainWindow(QWidget *parent)
 {
     string_timer->setInterval(monitorInterval);
     firmware_timer->setInterval(firmwareLimit);
+    firmware_timer->setTimerType(Qt::PreciseTimer);
 
     ui->setupUi(this);
     resize(designWidth, designHeight);

@@ -332,7 +332,6 @@ private:
     QTimer *firmware_timer = nullptr;             //!< watches an update
     QProgressDialog *firmware_progress = nullptr; //!< while an update is under way
     quint32 firmware_packet = 0;                  //!< the packet last sent; 0 before the first
-    quint32 late_packet = 0; //!< the last packet of an update that was broken off, 0 once answered
 
     bool connected = false;
     bool version_known = false;

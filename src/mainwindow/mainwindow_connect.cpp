@@ -134,6 +134,7 @@ void MainWindow::slotConnectEstablish(quint8 port)
 
 void MainWindow::resetConnectionView()
 {
+    slotCancelFirmwareUpdate();
     if (link)
         disconnect(link, nullptr, this, nullptr);
     ui->pushButton_connect->setText(tr("Connect"));
@@ -217,7 +218,6 @@ void MainWindow::slotTimeOutConnectPort()
     closeWaitSaveDialog();
     closeServiceDialog();
     closeAisTestDialog();
-    slotCancelFirmwareUpdate();
     resetConnectionView();
     ui->pushButton_connect->setEnabled(true);
     delete message_box;

@@ -5,6 +5,7 @@
 
 #include <QProgressBar>
 #include <QProgressDialog>
+#include <QPushButton>
 #include <QTimer>
 
 // The update goes on by the router's answers alone: each packet waits for the number of the one
@@ -53,6 +54,9 @@ void MainWindow::makeFirmwareProgress()
     QFont font = firmware_progress->font();
     font.setPointSize(progressFontSize);
     firmware_progress->setFont(font);
+    // A Return from the question before, pressed once too often, cancels nothing.
+    firmware_progress->findChild<QPushButton *>()->setAutoDefault(false);
+    firmware_progress->setFocus();
     wireFirmwareUpdate();
 }
 
@@ -87,25 +91,17 @@ void MainWindow::slotCancelFirmwareUpdate()
     }
     firmware_buffer.clear();
     firmware_timer->stop();
-    if (firmware_packet != 0)
-        late_packet = firmware_packet;
     firmware_packet = 0;
 }
 
 void MainWindow::slotReadyFirmwareUpdate()
 {
-    late_packet = 0;
     firmware_packet = 1;
     sendFirmwarePacket();
 }
 
 void MainWindow::slotFirmwarePacket(uint packet_number)
 {
-    // The answer to the last packet of an update that was broken off is no answer to this one.
-    if (firmware_packet == 0 && late_packet != 0 && packet_number == late_packet) {
-        late_packet = 0;
-        return;
-    }
     if (packet_number != firmware_packet) {
         endFirmwareUpdate(firmwareErrorText(wrongPacketNumber));
         return;
@@ -137,7 +133,7 @@ FirmwarePacket MainWindow::sendFirmwarePacket()
 }
 
 // The bar itself: QProgressDialog::setValue() of a modal dialog runs the event loop, in which the
-// update could end.
+// update could end. It ignores what is beyond its end.
 void MainWindow::showFirmwareProgress()
 {
     firmware_progress->findChild<QProgressBar *>()->setValue(
@@ -155,6 +151,9 @@ void MainWindow::slotFirmwareOk()
                 tr("The firmware has been successfully loaded, the router will reboot. Please "
                    "reconnect to the router."),
                 QMessageBox::Information);
+    // The box may have been closed quicker than the queue moves.
+    if (updated)
+        updated->finishSending();
     // The connection may have ended by itself while the box was open.
     if (updated && updated == link)
         slotVRSendDisconnect();

@@ -6,7 +6,7 @@ namespace {
 
 constexpr int packetBytes = 32;
 constexpr double packetsPerByte = 1.0 / packetBytes;
-constexpr int wholePercentage = 100;
+constexpr double wholePercentage = 100;
 
 } // namespace
 
@@ -48,6 +48,5 @@ int firmwareProgress(quint32 number, int size)
 {
     if (size <= 0)
         return 0;
-    // In a small image a last packet that isn't full would reach beyond the end.
-    return qMin(wholePercentage, int(number * (wholePercentage / (size * packetsPerByte))));
+    return int(number * (wholePercentage / (size * packetsPerByte)));
 }

@@ -35,7 +35,7 @@ enum class FirmwarePacket {
 FirmwarePacket MakeFirmwarePacket(const QByteArray &image, quint32 number, QString &sentence);
 
 /*!
- * How far an update is when packet \a number of an image of \a size bytes leaves, in per cent: 0 to
- * 100.
+ * How far an update is when packet \a number of an image of \a size bytes leaves, in per cent; more
+ * than 100 with a last packet that isn't full.
  */
 int firmwareProgress(quint32 number, int size);

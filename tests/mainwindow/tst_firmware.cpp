@@ -2,16 +2,19 @@
 
 #include "link/nmeaserialport.h"
 #include "support/checkedline.h"
+#include "support/nofile.h"
 
 #include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QTimer>
+#include <QWindow>
 
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
+
+#include <algorithm>
 
 /*! The firmware update: loading the file, all states, all ends, and the attempt that follows. */
 class tst_firmware : public QObject
@@ -41,26 +44,35 @@ private slots:
     void startSentenceComesFirst();
     void nothingElseIsSentMeanwhile();
     void succeeds();
+    void boxClosedAtOnce();
     void watchIsSuspended();
     void takenOverUnderTheLastBox();
     void readyTwiceStartsAgain();
     void doneInAnyState_data();
     void doneInAnyState();
 
+    void keysInTheProgress_data();
+    void keysInTheProgress();
     void cancel_data();
     void cancel();
     void wrongAcknowledgements_data();
     void wrongAcknowledgements();
     void lateAcknowledgement();
+    void acknowledgedAgainAtTheEnd();
     void errorCodes_data();
     void errorCodes();
     void timeout_data();
     void timeout();
+    void takenOver_data();
+    void takenOver();
+    void disconnectOvertakenByAnUpdate();
     void everyStepWindsTheWatchdog();
+    void imageLostOnTheWay_data();
     void imageLostOnTheWay();
     void lateSentencesAreIgnored();
     void manyFailuresInARow();
     void startsOnlyWithAnImageAndAConnection();
+    void doesNotStartBehindTheEnd();
 };
 
 namespace {
@@ -72,6 +84,7 @@ const QString timeoutText = QStringLiteral("Error: Firmware update timeout");
 enum State { Waiting, Sending, Finishing };
 
 constexpr int smallSize = 70;
+constexpr int watchdogMs = 6000;
 
 void addStates()
 {
@@ -123,11 +136,35 @@ void verifyUpdateWorks(FirmwareBench &bench)
     QVERIFY2(bench.files->report().isEmpty(), qPrintable(bench.files->report()));
 }
 
-void verifyIdle(const FirmwareBench &bench)
+QTimer *watchdog(const FirmwareBench &bench)
+{
+    const auto timers = bench.window.findChildren<QTimer *>();
+    const auto found = std::find_if(timers.begin(), timers.end(), [](const QTimer *timer) {
+        return timer->interval() == watchdogMs;
+    });
+    return found == timers.end() ? nullptr : *found;
+}
+
+// No update, and nothing left of one: the image is forgotten, so that none can start.
+void verifyNoUpdate(FirmwareBench &bench)
 {
     QTRY_VERIFY(!bench.progress());
+    QVERIFY(!watchdog(bench)->isActive());
+    bench.window.slotStartFirmwareUpdate();
+    QVERIFY(!bench.progress());
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+void verifyIdle(FirmwareBench &bench)
+{
+    verifyNoUpdate(bench);
     QVERIFY(bench.window.isConnected());
+}
+
+BoxAnswer::Box routerBusy()
+{
+    return {QStringLiteral("COM Port"), QStringLiteral("TK-7 Router Busy another Control programm"),
+            QMessageBox::Warning};
 }
 
 // Presses the button, with the answers that bench.files and bench.boxes have been told.
@@ -238,39 +275,21 @@ void tst_firmware::badFiles()
 
 void tst_firmware::fileThatGoes_data()
 {
-    QTest::addColumn<int>("replacement");
-
-    QTest::newRow("removed") << 0;
-    QTest::newRow("a directory") << 1;
-    QTest::newRow("a socket") << 2;
+    addNoFiles();
 }
 
 // Between the choice and the reading.
 void tst_firmware::fileThatGoes()
 {
-    QFETCH(int, replacement);
+    QFETCH(NoFile, noFile);
     FirmwareBench bench;
     QVERIFY(bench.connectToRouter());
     const QString path = bench.writeFile(firmwareImage(100));
-    int socket = -1;
     auto chooser = FirmwareBench::chooser(path);
-    chooser.onFinished = [&] {
-        QVERIFY(QFile::remove(path));
-        if (replacement == 1)
-            QVERIFY(QDir().mkdir(path));
-        if (replacement != 2)
-            return;
-        sockaddr_un address = {};
-        address.sun_family = AF_UNIX;
-        qstrncpy(address.sun_path, QFile::encodeName(path).constData(), sizeof address.sun_path);
-        socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
-        QCOMPARE(::bind(socket, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
-    };
+    chooser.onFinished = [&] { makeNoFile(noFile, path); };
     bench.files->expect(chooser);
     bench.boxes.expect(loadError(QStringLiteral("Error open file %1").arg(path)));
     QVERIFY(bench.inService([&](servicedlg &dialog) { load(bench, dialog); }));
-    if (socket >= 0)
-        ::close(socket);
     QCOMPARE(bench.firmwareHeard(), QList<QByteArray>());
 }
 
@@ -429,8 +448,10 @@ void tst_firmware::progressValues_data()
 
     QTest::newRow("one packet") << 32 << QList<int>({0});
     QTest::newRow("four full packets") << 128 << QList<int>({0, 50, 75, 100});
-    QTest::newRow("three packets, the last not full") << 70 << QList<int>({0, 91, 100});
-    QTest::newRow("six packets, the last not full") << 180 << QList<int>({0, 35, 53, 71, 88, 100});
+    // Beyond 100, which the bar ignores.
+    QTest::newRow("two packets, the last not full") << 33 << QList<int>({0, 0});
+    QTest::newRow("three packets, the last not full") << 70 << QList<int>({0, 91, 91});
+    QTest::newRow("six packets, the last not full") << 180 << QList<int>({0, 35, 53, 71, 88, 88});
 }
 
 void tst_firmware::progressValues()
@@ -528,6 +549,26 @@ void tst_firmware::succeeds()
     verifyUpdateWorks(bench);
 }
 
+// A user who is quicker than the queue.
+void tst_firmware::boxClosedAtOnce()
+{
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.boxes.setLookInterval(0);
+    bench.takeFirmware();
+    QVERIFY(bench.startUpdate(firmwareImage(smallSize)));
+    BoxAnswer::Box box = bench.success();
+    box.click = QMessageBox::Ok;
+    box.whileOpen = nullptr;
+    bench.boxes.expect(box);
+    QTRY_VERIFY(!bench.window.isConnected());
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    QTRY_VERIFY(bench.firmwareHeard().endsWith("$VRFWW\r\n"));
+    // The line is closed and quiet behind it.
+    QTest::qWait(60);
+    QVERIFY(bench.heard().endsWith("$VRFWW\r\n"));
+}
+
 // A router that restarts is silent for longer than the watch would bear.
 void tst_firmware::watchIsSuspended()
 {
@@ -559,9 +600,7 @@ void tst_firmware::takenOverUnderTheLastBox()
             QTRY_VERIFY(!bench.window.isConnected());
             isTaken = true;
         }))
-        .expect({QStringLiteral("COM Port"),
-                 QStringLiteral("TK-7 Router Busy another Control programm"),
-                 QMessageBox::Warning});
+        .expect(routerBusy());
     QTRY_VERIFY(isTaken && !bench.window.findChild<QMessageBox *>());
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
     QVERIFY(bench.connectToRouter());
@@ -600,6 +639,52 @@ void tst_firmware::doneInAnyState()
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
 
+void tst_firmware::keysInTheProgress_data()
+{
+    QTest::addColumn<QList<int>>("keys");
+    QTest::addColumn<bool>("ends");
+
+    QTest::newRow("Return") << QList<int>({Qt::Key_Return}) << false;
+    QTest::newRow("Enter") << QList<int>({Qt::Key_Enter}) << false;
+    QTest::newRow("blank") << QList<int>({Qt::Key_Space}) << false;
+    QTest::newRow("Escape") << QList<int>({Qt::Key_Escape}) << true;
+    QTest::newRow("the button by Tab and blank")
+        << QList<int>({Qt::Key_Tab, Qt::Key_Space}) << true;
+    QTest::newRow("close") << QList<int>() << true; // as the window manager does
+}
+
+// What ends the update asks nothing and tells nothing; Return, pressed once too often, doesn't.
+void tst_firmware::keysInTheProgress()
+{
+    QFETCH(QList<int>, keys);
+    QFETCH(bool, ends);
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(bringTo(bench, Sending, firmwareImage(smallSize)));
+    QProgressDialog *dialog = bench.progress();
+    QVERIFY(QTest::qWaitForWindowActive(dialog));
+    QVERIFY(!dialog->findChild<QPushButton *>()->hasFocus());
+    const int before = bench.heard().size();
+    if (keys.isEmpty())
+        dialog->close();
+    for (const int key : qAsConst(keys)) {
+        const QPointer<QWindow> target = dialog->windowHandle();
+        QTest::keyPress(target, Qt::Key(key));
+        if (target)
+            QTest::keyRelease(target, Qt::Key(key));
+    }
+    if (ends) {
+        verifyIdle(bench);
+    } else {
+        bench.waitUntilHeard();
+        QVERIFY(bench.isUpdating());
+        bench.pressCancel();
+        verifyIdle(bench);
+    }
+    QTest::qWait(60);
+    QCOMPARE(bench.heard().size(), before);
+}
+
 void tst_firmware::cancel_data()
 {
     addStates();
@@ -615,8 +700,7 @@ void tst_firmware::cancel()
     const int before = bench.heard().size();
     bench.pressCancel();
     verifyIdle(bench);
-    // The router is told nothing, and the image is forgotten.
-    bench.window.slotStartFirmwareUpdate();
+    // The router is told nothing.
     QTest::qWait(100);
     QCOMPARE(bench.heard().size(), before);
     QVERIFY(!bench.progress());
@@ -655,7 +739,8 @@ void tst_firmware::wrongAcknowledgements()
     verifyUpdateWorks(bench);
 }
 
-// The last packet of an update that was cancelled is acknowledged when the next one waits already.
+// The last packet of an update that was cancelled is acknowledged when the next one waits already:
+// an acknowledgement like any other that is not due.
 void tst_firmware::lateAcknowledgement()
 {
     const QByteArray image = firmwareImage(smallSize);
@@ -665,29 +750,26 @@ void tst_firmware::lateAcknowledgement()
     bench.pressCancel();
     verifyIdle(bench);
     QVERIFY(bringTo(bench, Waiting, image));
-    bench.say("$VRFWP,2");
-    bench.waitUntilHeard();
-    QVERIFY(bench.isUpdating());
-    // Once: the same number again belongs to nothing.
     bench.boxes.expect(FirmwareBench::failure(wrongNumber));
     bench.say("$VRFWP,2");
     QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
     verifyIdle(bench);
+    verifyUpdateWorks(bench);
+}
 
-    QVERIFY(bringTo(bench, Sending, image));
-    bench.pressCancel();
-    verifyIdle(bench);
-    bench.takeFirmware();
-    const auto take = bench.onLine;
-    bench.onLine = [&](const QByteArray &sentence) {
-        if (sentence == "$VRFWS\r\n")
-            bench.say("$VRFWP,2");
-        take(sentence);
-    };
-    QVERIFY(bench.startUpdate(image));
+// The number that would come next, of a packet that was never sent.
+void tst_firmware::acknowledgedAgainAtTheEnd()
+{
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(bringTo(bench, Finishing, firmwareImage(smallSize)));
+    bench.keepSilent();
+    bench.say("$VRFWP,4");
+    QTRY_COMPARE(bench.firmwareHeard().count("$VRFWF\r\n"), 2);
+    QVERIFY(bench.isUpdating());
     bench.boxes.expect(bench.success());
+    bench.sayBare("$VRFWO");
     QTRY_VERIFY(!bench.window.isConnected());
-    QCOMPARE(bench.taken, image);
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
 
@@ -732,8 +814,53 @@ void tst_firmware::timeout()
     QElapsedTimer clock;
     clock.start();
     QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.isDone(), 8000);
-    QVERIFY2(clock.elapsed() > 5500, qPrintable(QString::number(clock.elapsed())));
+    const qint64 elapsed = clock.elapsed();
+    QVERIFY2(elapsed > watchdogMs - 200 && elapsed < watchdogMs + 800,
+             qPrintable(QString::number(elapsed)));
     verifyIdle(bench);
+    verifyUpdateWorks(bench);
+}
+
+void tst_firmware::takenOver_data()
+{
+    addStates();
+}
+
+// The connection goes, and the update with it, before the box.
+void tst_firmware::takenOver()
+{
+    QFETCH(int, state);
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(bringTo(bench, State(state), firmwareImage(smallSize)));
+    bench.keepSilent();
+    bool isOver = false;
+    BoxAnswer::Box box = routerBusy();
+    box.click = QMessageBox::NoButton;
+    box.whileOpen = [&](QMessageBox &open) {
+        isOver = !bench.isUpdating() && !watchdog(bench)->isActive();
+        open.accept();
+    };
+    bench.boxes.expect(box);
+    bench.sayBare("$VRCNB");
+    QTRY_VERIFY(!bench.window.isConnected());
+    QVERIFY(isOver);
+    verifyNoUpdate(bench);
+    QVERIFY(bench.connectToRouter());
+    verifyIdle(bench);
+    verifyUpdateWorks(bench);
+}
+
+// A farewell that still waits behind a long queue when the update starts.
+void tst_firmware::disconnectOvertakenByAnUpdate()
+{
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(bringTo(bench, Waiting, firmwareImage(smallSize)));
+    bench.window.currentLink()->sendSentence(QStringLiteral("$VRDCN\r\n"));
+    QTRY_VERIFY(!bench.window.isConnected());
+    verifyNoUpdate(bench);
+    QVERIFY(bench.connectToRouter());
     verifyUpdateWorks(bench);
 }
 
@@ -759,19 +886,30 @@ void tst_firmware::everyStepWindsTheWatchdog()
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
 
+void tst_firmware::imageLostOnTheWay_data()
+{
+    QTest::addColumn<int>("state");
+    QTest::addColumn<QByteArray>("number");
+
+    QTest::newRow("sending") << int(Sending) << QByteArray("2");
+    QTest::newRow("finishing") << int(Finishing) << QByteArray("4");
+}
+
 // The buffer is the one that the service dialog reads into. No user can open it meanwhile.
 void tst_firmware::imageLostOnTheWay()
 {
+    QFETCH(int, state);
+    QFETCH(QByteArray, number);
     FirmwareBench bench;
     QVERIFY(bench.connectToRouter());
-    QVERIFY(bringTo(bench, Sending, firmwareImage(smallSize)));
+    QVERIFY(bringTo(bench, State(state), firmwareImage(smallSize)));
     bench.keepSilent();
     const QString empty = bench.writeFile(QByteArray(), QStringLiteral("empty.efw"));
     bench.files->expect(FirmwareBench::chooser(empty));
     bench.boxes.expect(loadError(QStringLiteral("File %1 in not TK-7 firmware").arg(empty)));
     QVERIFY(bench.inService([&](servicedlg &dialog) { load(bench, dialog); }));
     bench.boxes.expect(FirmwareBench::failure(QStringLiteral("Error firmware update. code: -2")));
-    bench.say("$VRFWP,2");
+    bench.say("$VRFWP," + number);
     QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
     verifyIdle(bench);
     verifyUpdateWorks(bench);
@@ -841,6 +979,28 @@ void tst_firmware::startsOnlyWithAnImageAndAConnection()
     QTest::qWait(60);
     QVERIFY(!bench.progress());
     QCOMPARE(bench.firmwareHeard(), QList<QByteArray>());
+}
+
+// The service dialog outlives a connection that another program has taken, with all that can be
+// done in it.
+void tst_firmware::doesNotStartBehindTheEnd()
+{
+    FirmwareBench bench;
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        bench.boxes.expect(routerBusy());
+        bench.sayBare("$VRCNB");
+        QTRY_VERIFY(!bench.window.isConnected());
+        bench.files->expect(FirmwareBench::chooser(bench.writeFile(firmwareImage(smallSize))));
+        bench.boxes.expect(FirmwareBench::question(QStringLiteral("3.6"), QMessageBox::Yes));
+        load(bench, dialog);
+        QVERIFY(!dialog.isVisible());
+    }));
+    QVERIFY(!bench.progress());
+    QVERIFY(!watchdog(bench)->isActive());
+    QVERIFY(bench.connectToRouter());
+    QVERIFY(!bench.progress());
+    verifyUpdateWorks(bench);
 }
 
 QTEST_MAIN(tst_firmware)

@@ -132,7 +132,7 @@ void tst_servicesentences::progress_data()
     QTest::newRow("three quarters") << 3u << 128 << 75;
     QTest::newRow("all") << 4u << 128 << 100;
     QTest::newRow("cut, not rounded") << 2u << 96 << 66;
-    QTest::newRow("beyond the end of a small image") << 2u << 33 << 100;
+    QTest::newRow("beyond the end of a small image") << 2u << 33 << 193;
     QTest::newRow("the second of the largest image") << 2u << 1000000 << 0;
     QTest::newRow("a hundredth of the largest image") << 313u << 1000000 << 1;
     QTest::newRow("the last of the largest image") << 31250u << 1000000 << 100;
