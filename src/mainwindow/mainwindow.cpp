@@ -3,6 +3,7 @@
 #include "link/nmeaserialport.h"
 #include "mainwindow/matrixstyle.h"
 #include "mainwindow/statuswidget.h"
+#include "platform/keyboard.h"
 #include "service/waitsavedlg.h"
 #include "ui_mainwindow.h"
 #include "widgets/dragframe.h"
@@ -30,6 +31,7 @@ MainWindow::MainWindow(QWidget *parent)
     : QMainWindow(parent), firmware_timer(new QTimer(this)), string_timer(new QTimer(this)),
       ui(std::make_unique<Ui::MainWindow>()), status_widget(new statusWidget)
 {
+    platform::followLeftControl();
     string_timer->setInterval(monitorInterval);
     firmware_timer->setInterval(firmwareLimit);
     firmware_timer->setTimerType(Qt::PreciseTimer);

@@ -25,6 +25,8 @@ bool isLeftControlDown()
     return (GetKeyState(VK_LCONTROL) & downBit) != 0;
 }
 
+void followLeftControl() { }
+
 void setLeftControlSource(std::function<bool()> function)
 {
     source() = std::move(function);

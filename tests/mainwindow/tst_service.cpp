@@ -1,13 +1,16 @@
 #include "scriptedbench.h"
 
 #include "link/nmeaserialport.h"
+#include "platform/keyboard.h"
 #include "support/aistestuser.h"
 #include "support/checkedline.h"
 
 #include <QElapsedTimer>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QTableWidget>
+#include <QWindow>
 
 /*! The service button and what it needs, the counters of the ports, the chip, the AIS test. */
 class tst_service : public QObject
@@ -16,6 +19,7 @@ class tst_service : public QObject
 
 private slots:
     void needsTheLeftControlKey();
+    void leftControlKeyByItsEvents();
     void needsAConnection();
     void opensByVersion_data();
     void opensByVersion();
@@ -165,6 +169,29 @@ void tst_service::needsTheLeftControlKey()
 
     bench.leftControl = true;
     QVERIFY(bench.inService([](servicedlg &) {}));
+}
+
+// On a desktop that can't be asked the window has followed the key since it was made.
+void tst_service::leftControlKeyByItsEvents()
+{
+    constexpr quint32 leftControl = 0xffe3;
+    constexpr quint32 rightControl = 0xffe4;
+    ScriptedBench bench;
+    platform::setLeftControlSource({});
+    QVERIFY(bench.connectToRouter());
+    bench.window.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&bench.window));
+    const auto strike = [&](QEvent::Type type, quint32 key) {
+        QKeyEvent event(type, Qt::Key_Control, Qt::NoModifier, 0, key, 0);
+        QCoreApplication::sendEvent(bench.window.windowHandle(), &event);
+    };
+    strike(QEvent::KeyPress, rightControl);
+    QVERIFY(!bench.inService([](servicedlg &) {}));
+    strike(QEvent::KeyPress, leftControl);
+    QVERIFY(bench.inService([](servicedlg &) {}));
+    strike(QEvent::KeyPress, leftControl);
+    strike(QEvent::KeyRelease, leftControl);
+    QVERIFY(!bench.inService([](servicedlg &) {}));
 }
 
 void tst_service::needsAConnection()
