@@ -14,7 +14,7 @@ const QString ruleFileSuffix = QStringLiteral("vrr");
 bool isPipe(const QString &fileName)
 {
     std::error_code ignored;
-    return std::filesystem::is_fifo(fileName.toStdU16String(), ignored);
+    return std::filesystem::is_fifo(QFile::encodeName(fileName).constData(), ignored);
 }
 
 } // namespace

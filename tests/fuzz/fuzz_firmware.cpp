@@ -81,7 +81,10 @@ quint32 checkPackets(const QByteArray &image)
     while (MakeFirmwarePacket(image, number, sentence) == FirmwarePacket::Made) {
         checkPacket(image, number, sentence);
         const int now = firmwareProgress(number, image.size());
-        require(now >= progress && now <= wholePercentage, "an update only ever goes on");
+        require(now >= progress, "an update only ever goes on");
+        // Only a last packet that isn't full goes beyond the end.
+        const bool isFull = qint64(number) * packetBytes <= image.size();
+        require(now <= wholePercentage || !isFull, "an update ends at its end");
         progress = now;
         ++number;
     }
