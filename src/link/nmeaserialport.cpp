@@ -189,6 +189,7 @@ void NmeaSerialPort::openPort(const QString &name)
     awaitingConfirm = false;
     confirmSuspended = false;
     scanStep = 0;
+    leftLastSpeed = false;
 
     connect(this, &NmeaSerialPort::signalVRNMEA_receive, this, &NmeaSerialPort::slot_VRNMEA);
     connect(sendTimer, &QTimer::timeout, this, &NmeaSerialPort::slot_send_timer);
@@ -217,14 +218,19 @@ void NmeaSerialPort::openPort(const QString &name)
         },
         Qt::QueuedConnection);
 
+    connectTimer->setInterval(scanInterval);
+    confirmTimer->setInterval(confirmInterval);
+    sinceSendTick.start();
     sendTimer->start(sendInterval);
-    connectTimer->start(scanInterval);
+    startSearchWait();
     sendSentence(askConnect);
 }
 
 void NmeaSerialPort::closePort()
 {
     connected = false;
+    ++searchWaits;
+    ++watchWaits;
     for (QTimer **timer : {&sendTimer, &connectTimer, &confirmTimer})
         releaseTimer(*timer);
     confirmSuspended = false;
@@ -260,6 +266,38 @@ bool NmeaSerialPort::isPortOpen() const
     return serial && serial->isOpen();
 }
 
+void NmeaSerialPort::startSearchWait()
+{
+    ++searchWaits;
+    if (connectTimer)
+        connectTimer->start();
+}
+
+void NmeaSerialPort::startWatchWait()
+{
+    ++watchWaits;
+    if (confirmTimer)
+        confirmTimer->start();
+}
+
+// After a stall of the computer a timer goes before what has come meanwhile: that is read first.
+// True if it has begun the wait anew, or ended it.
+bool NmeaSerialPort::hasHeardMeanwhile(const quint32 &waits)
+{
+    constexpr int mostReads = 16; // of up to 4 kB each: five seconds of the fastest line
+    const QPointer<NmeaSerialPort> self(this);
+    const quint32 before = waits;
+    for (int i = 0; i < mostReads && isPortOpen(); ++i) {
+        const bool isMore = serial->waitForReadyRead(0);
+        slot_ReadyRead();
+        if (!self || waits != before)
+            return true;
+        if (!isMore)
+            break;
+    }
+    return false;
+}
+
 bool NmeaSerialPort::sendSentence(const QString &sentence)
 {
     if (!isPortOpen())
@@ -290,6 +328,12 @@ QStringList NmeaSerialPort::scanPorts()
 
 void NmeaSerialPort::slot_send_timer()
 {
+    // While the computer stood still nobody was asked: the router gets its whole time once more.
+    const qint64 pause = sinceSendTick.restart();
+    if (pause > scanInterval / 2 && connectTimer && connectTimer->isActive())
+        startSearchWait();
+    if (pause > confirmInterval / 2 && confirmTimer && confirmTimer->isActive())
+        startWatchWait();
     if (!isPortOpen() || sendQueue.isEmpty())
         return;
     const QString sentence = sendQueue.takeFirst();
@@ -314,6 +358,10 @@ void NmeaSerialPort::flushPort()
 void NmeaSerialPort::slot_connect_timer()
 {
     const QPointer<NmeaSerialPort> self(this);
+    // Qt fires no timer from within its own timeout, and a box can open below: it is started anew.
+    startSearchWait();
+    if (hasHeardMeanwhile(searchWaits))
+        return;
     const qint32 step = scanStep;
     if (step >= scanStepCount) {
         closePort();
@@ -322,10 +370,11 @@ void NmeaSerialPort::slot_connect_timer()
             emit signalVRTimeOutConnect();
         return;
     }
+    const quint32 wait = searchWaits;
     emit signalVRConnectionProgress(scanSteps[step].progress);
     // A progress dialog runs the event loop when its value changes: the answer, or the end of the
     // connection, may have come meanwhile.
-    if (!self || scanStep != step || !connectTimer || !connectTimer->isActive())
+    if (!self || searchWaits != wait)
         return;
     ++scanStep;
     if (!isPortOpen())
@@ -337,7 +386,7 @@ void NmeaSerialPort::slot_connect_timer()
 
 void NmeaSerialPort::slot_confirm_timer()
 {
-    if (confirmSuspended)
+    if (confirmSuspended || hasHeardMeanwhile(watchWaits))
         return;
     if (!awaitingConfirm) {
         awaitingConfirm = true;
@@ -371,6 +420,21 @@ void NmeaSerialPort::receiveBytes(const char *data, int size)
     blockPos = data;
     blockEnd = data + size;
     consumeBlock();
+}
+
+// A slot may open a box. What stands behind its sentence follows in the event loop of the box, and
+// doesn't wait for the next byte.
+void NmeaSerialPort::readOnInEventLoop()
+{
+    const bool isAllRead = blockPos == blockEnd && (!serial || serial->bytesAvailable() == 0);
+    if (isAllRead || readsOn)
+        return;
+    readsOn = true;
+    const auto readOn = [this] {
+        readsOn = false;
+        slot_ReadyRead();
+    };
+    QMetaObject::invokeMethod(this, readOn, Qt::QueuedConnection);
 }
 
 // Cuts what is left of the block into lines. The position is kept in the object: a slot may run an
@@ -407,6 +471,7 @@ void NmeaSerialPort::handleLine(const QByteArray &bytes)
     if (text.size() < minLineLength)
         return;
     if (text.startsWith(proprietaryHead)) {
+        readOnInEventLoop();
         emit signalVRNMEA_receive(text);
         return;
     }
@@ -460,9 +525,14 @@ void NmeaSerialPort::handleConnectAnswer(const QString &str)
         emit signalCommandCRSError();
         return;
     }
+    // A router that answers at the last speed and isn't there at 115200 is asked at both once more,
+    // but not for ever.
+    const bool isLastSpeed = !connected && scanStep == scanStepCount;
+    if (isLastSpeed && leftLastSpeed)
+        return;
+    leftLastSpeed = leftLastSpeed || isLastSpeed;
     // Also in a connection that stands, where it sets the search going again at its last step.
-    if (connectTimer)
-        connectTimer->start();
+    startSearchWait();
     if (connected)
         return;
     if (scanStep != stepAfterWorkingSpeed) {
@@ -485,8 +555,8 @@ void NmeaSerialPort::handleConnectAnswer(const QString &str)
     emit signalVRConnectionProgress(progressDone);
     if (self && connected)
         emit signalVRConnect(quint8(port));
-    if (self && connected && confirmTimer)
-        confirmTimer->start(confirmInterval);
+    if (self && connected)
+        startWatchWait();
 }
 
 // Any "$VR" sentence is a sign of life, known or not and with whatever checksum. The AIS family is
@@ -496,8 +566,8 @@ void NmeaSerialPort::feedWatch(const QString &str)
     if (!str.startsWith(proprietaryHead) || str.startsWith(aisHead))
         return;
     awaitingConfirm = false;
-    if (connected && confirmTimer)
-        confirmTimer->start(confirmInterval);
+    if (connected)
+        startWatchWait();
 }
 
 // $VRSPD,port,speed*hh

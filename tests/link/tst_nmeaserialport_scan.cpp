@@ -27,6 +27,7 @@ private slots:
     void journal();
     void timing_data();
     void timing();
+    void noSpeedTakesLonger();
 
     void nothingAfterTheEnd_data();
     void nothingAfterTheEnd();
@@ -165,6 +166,26 @@ void tst_NmeaSerialPortScan::initTestCase()
     start("empty port at 115200", answers(4800, good, checkedLine("$VRCNU,")));
     start("text port at 115200", answers(4800, good, checkedLine("$VRCNU,abc")));
     start("port 11 at 115200", answers(4800, good, checkedLine("$VRCNU,11")));
+    start("only at 2400",
+          [good](const QByteArray &, int speed) { return speed == 2400 ? good : QByteArray(); });
+    start("at 2400, absurd port at 115200", [good](const QByteArray &, int speed) {
+        if (speed == 2400)
+            return good;
+        return speed == 115200 ? checkedLine("$VRCNU,12") : QByteArray();
+    });
+    start("first at 9600, then at 2400", [good](const QByteArray &, int speed) {
+        return speed == 9600 || speed == 2400 ? good : QByteArray();
+    });
+    LinkRig &slow = start("late at 2400", nullptr);
+    slow.setRouter([&slow, good](const QByteArray &, int speed) {
+        if (speed == 2400)
+            slow.after(scanTick - 60, [&slow, good] { slow.pty().write(good); });
+        return QByteArray();
+    });
+    int asked = 0;
+    start("at 2400 and then everywhere", [good, asked](const QByteArray &, int speed) mutable {
+        return speed == 2400 || (speed == 115200 && ++asked == 3) ? good : QByteArray();
+    });
     start("wrong checksum", alwaysSays(wronglyCheckedLine("$VRCNU,3")));
     start("no checksum", alwaysSays("$VRCNU,3\r\n"));
     start("bare answer", alwaysSays("$VRCNU\r\n"));
@@ -253,6 +274,17 @@ void tst_NmeaSerialPortScan::journal_data()
     row("empty port at 115200", moved + connectedEnd(0));
     row("text port at 115200", moved + connectedEnd(0));
     row("port 11 at 115200", moved + connectedEnd(11));
+    // The line comes to 2400 twice, and is asked there twice.
+    const QStringList last{progress(90), query(2400)};
+    const QStringList twice = searchUpTo(2400) + QStringList{query(115200)} + last + timeOutEnd();
+    row("only at 2400", twice);
+    row("late at 2400", twice);
+    // 115200 is asked in its turn, and once behind an answer.
+    row("at 2400, absurd port at 115200", twice);
+    row("first at 9600, then at 2400",
+        searchUpTo(9600) + QStringList{query(115200)} + last + QStringList{query(115200)} + last
+            + timeOutEnd());
+    row("at 2400 and then everywhere", twice);
     row("wrong checksum", searchUpTo(2400, sumError) + timeOutEnd());
     row("no checksum", searchUpTo(2400, sumError) + timeOutEnd());
     row("bare answer", searchUpTo(2400) + timeOutEnd());
@@ -289,6 +321,10 @@ void tst_NmeaSerialPortScan::timing_data()
         searchTime);
     row("other sentences don't prolong the search", "other sentences", QString(), timedOut,
         searchTime);
+    row("answers at 2400 only: given up behind its second turn", "only at 2400", QString(),
+        timedOut, searchTime + scanTick);
+    row("late answers at 2400: given up 4.5 s after the open", "late at 2400", QString(), timedOut,
+        searchTime + 2 * scanTick - 60);
     row("500 ms for the second answer", "no second answer", query(4800), progress(90), scanTick);
     row("and 500 ms more to the end", "no second answer", query(2400), timedOut, scanTick);
     row("a port above 11 restarts the 500 ms", "port 12 at 115200", query(115200), progress(90),
@@ -312,6 +348,20 @@ void tst_NmeaSerialPortScan::timing()
     QVERIFY(start >= 0 && end >= 0);
     QVERIFY2(end - start >= due - early && end - start <= due + late,
              qPrintable(QString::number(end - start)));
+}
+
+// The shortest of many waits tells what was asked for: a busy machine only makes waits longer.
+void tst_NmeaSerialPortScan::noSpeedTakesLonger()
+{
+    constexpr int slack = 60;
+    const LinkJournal &journal = run("silent").journal();
+    qint64 shortest = searchTime;
+    for (size_t i = 1; i < sizeof allProgress / sizeof *allProgress; ++i) {
+        const qint64 took =
+            journal.timeOf(progress(allProgress[i])) - journal.timeOf(progress(allProgress[i - 1]));
+        shortest = std::min(shortest, took);
+    }
+    QVERIFY2(qAbs(shortest - scanTick) < slack, qPrintable(QString::number(shortest)));
 }
 
 void tst_NmeaSerialPortScan::nothingAfterTheEnd_data()

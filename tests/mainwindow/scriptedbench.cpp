@@ -112,9 +112,10 @@ QList<QByteArray> ScriptedBench::commands() const
 
 void ScriptedBench::endLink()
 {
+    // What the router has said until now is heard first, and puts the end off.
+    constexpr int mostLooks = 10;
     const QPointer<NmeaSerialPort> link = window.currentLink();
-    link->slot_confirm_timer();
-    if (link)
+    for (int i = 0; i < mostLooks && link && window.currentLink() == link; ++i)
         link->slot_confirm_timer();
 }
 
