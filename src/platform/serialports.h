@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 QT_BEGIN_NAMESPACE
 class QSerialPort;
 QT_END_NAMESPACE
@@ -16,6 +18,12 @@ namespace platform {
  * Elsewhere the pseudo-terminals follow that this user's simulated routers have published.
  */
 QStringList serialPortNames();
+
+/*!
+ * Answers for the system's own enumeration from now on, for tests; an empty function asks the
+ * system again.
+ */
+void setSystemPortSource(std::function<QStringList()> source);
 
 /*!
  * What QSerialPort opens for \a name: the device behind a published pseudo-terminal, any other

@@ -7,6 +7,8 @@
 #include <QSerialPortInfo>
 #include <QStandardPaths>
 
+#include <utility>
+
 #include <poll.h>
 #include <sys/stat.h>
 #include <termios.h>
@@ -15,6 +17,23 @@
 namespace platform {
 
 namespace {
+
+std::function<QStringList()> &systemPortSource()
+{
+    static std::function<QStringList()> function;
+    return function;
+}
+
+QStringList systemPortNames()
+{
+    if (systemPortSource())
+        return systemPortSource()();
+    QStringList names;
+    const QList<QSerialPortInfo> ports = QSerialPortInfo::availablePorts();
+    for (const QSerialPortInfo &port : ports)
+        names += port.portName();
+    return names;
+}
 
 bool isOwnLink(const QString &path)
 {
@@ -49,11 +68,7 @@ QString publishedPortsFolder()
 
 QStringList serialPortNames()
 {
-    QStringList names;
-    const QList<QSerialPortInfo> ports = QSerialPortInfo::availablePorts();
-    for (const QSerialPortInfo &port : ports)
-        names += port.portName();
-
+    QStringList names = systemPortNames();
     const QString folderPath = publishedPortsFolder();
     if (folderPath.isEmpty()) // QDir would take the current folder
         return names;
@@ -65,6 +80,11 @@ QStringList serialPortNames()
             names += link;
     }
     return names;
+}
+
+void setSystemPortSource(std::function<QStringList()> source)
+{
+    systemPortSource() = std::move(source);
 }
 
 QString serialPortDevice(const QString &name)

@@ -3,9 +3,21 @@
 #include <QSerialPort>
 #include <QSerialPortInfo>
 
+#include <utility>
+
 #include <windows.h>
 
 namespace platform {
+
+namespace {
+
+std::function<QStringList()> &systemPortSource()
+{
+    static std::function<QStringList()> function;
+    return function;
+}
+
+} // namespace
 
 QString publishedPortsFolder()
 {
@@ -14,6 +26,8 @@ QString publishedPortsFolder()
 
 QStringList serialPortNames()
 {
+    if (systemPortSource())
+        return systemPortSource()();
     static const QString deviceNameSpace = QStringLiteral("\\\\.\\");
     QStringList names;
     const QList<QSerialPortInfo> ports = QSerialPortInfo::availablePorts();
@@ -22,6 +36,11 @@ QStringList serialPortNames()
             names += port.portName();
     }
     return names;
+}
+
+void setSystemPortSource(std::function<QStringList()> source)
+{
+    systemPortSource() = std::move(source);
 }
 
 QString serialPortDevice(const QString &name)

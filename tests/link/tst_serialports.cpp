@@ -23,6 +23,8 @@ private slots:
     void cleanup();
 
     void systemPortsComeFirst();
+    void noSystemPort();
+    void twoPortsOfOneName();
     void folderLiesInRuntimeLocation();
     void linkToPseudoTerminal();
     void linkOfLink();
@@ -99,6 +101,24 @@ void tst_SerialPorts::systemPortsComeFirst()
 {
     symlinkTo(m_pty->slavePath(), path("A"));
     QCOMPARE(platform::serialPortNames(), m_systemPorts + QStringList{"A"});
+}
+
+void tst_SerialPorts::noSystemPort()
+{
+    platform::setSystemPortSource([] { return QStringList(); });
+    QCOMPARE(NmeaSerialPort::scanPorts(), QStringList());
+    platform::setSystemPortSource({});
+    QCOMPARE(NmeaSerialPort::scanPorts(), m_systemPorts);
+}
+
+// Nobody can tell them apart: both are listed, as they come.
+void tst_SerialPorts::twoPortsOfOneName()
+{
+    platform::setSystemPortSource([] { return QStringList{"ttyB", "ttyA", "ttyB"}; });
+    const auto restore = qScopeGuard([] { platform::setSystemPortSource({}); });
+    QCOMPARE(NmeaSerialPort::scanPorts(), (QStringList{"ttyB", "ttyA", "ttyB"}));
+    symlinkTo(m_pty->slavePath(), path("ttyB"));
+    QCOMPARE(NmeaSerialPort::scanPorts(), (QStringList{"ttyB", "ttyA", "ttyB", "ttyB"}));
 }
 
 void tst_SerialPorts::folderLiesInRuntimeLocation()

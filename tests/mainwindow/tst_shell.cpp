@@ -1,7 +1,9 @@
 #include "mainwindow/mainwindow.h"
+#include "platform/serialports.h"
 #include "support/formcheck.h"
 #include "widgets/uiscale.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
@@ -9,6 +11,7 @@
 #include <QGuiApplication>
 #include <QLabel>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QScreen>
 #include <QStatusBar>
 #include <QStyle>
@@ -335,17 +338,26 @@ void tst_shell::rescanFallsBackToTheFirst()
 
 void tst_shell::noPortDisablesConnect()
 {
+    QStringList ports;
+    platform::setSystemPortSource([&ports] { return ports; });
+    const auto restore = qScopeGuard([] { platform::setSystemPortSource({}); });
     MainWindow window;
     const auto *connectButton =
         window.findChild<QPushButton *>(QStringLiteral("pushButton_connect"));
-    // The machine may have serial ports of its own.
-    QCOMPARE(connectButton->isEnabled(), !listed(window).isEmpty());
-    publish(QStringLiteral("port"));
-    window.slotRescanPorts();
+    auto *rescan = window.findChild<QPushButton *>(QStringLiteral("pushButton_rescan_ports"));
+    QCOMPARE(listed(window), QStringList());
+    QVERIFY(!connectButton->isEnabled());
+    ports = QStringList{QStringLiteral("ttyB"), QStringLiteral("ttyA"), QStringLiteral("ttyB")};
+    rescan->click();
+    // Two of one name stay two.
+    QCOMPARE(listed(window),
+             QStringList({QStringLiteral("ttyA"), QStringLiteral("ttyB"), QStringLiteral("ttyB")}));
     QVERIFY(connectButton->isEnabled());
-    withdraw(QStringLiteral("port"));
-    window.slotRescanPorts();
-    QCOMPARE(connectButton->isEnabled(), !listed(window).isEmpty());
+    ports.clear();
+    rescan->click();
+    QCOMPARE(listed(window), QStringList());
+    QVERIFY(!connectButton->isEnabled());
+    QVERIFY(!QApplication::activeModalWidget());
 }
 
 TK7_FORM_TEST_MAIN(tst_shell)
