@@ -24,6 +24,7 @@ class QTimer;
 QT_END_NAMESPACE
 
 class aistestdlg;
+class ConnectProgress;
 class DragFrame;
 class EnterPasswordDlg;
 class FilterDlg;
@@ -224,9 +225,9 @@ private:
     // Connection
     void wireLink();
     void resetConnectionView();
-    void makeProgressDialog();
     void closeProgressDialog();
     void closeWaitSaveDialog();
+    void enableConnect();
     void releaseLink();
     void leaveConnection();
     void askDisconnect();
@@ -318,7 +319,7 @@ private:
     quint8 edit_port = NO_PORT;
 
     NmeaSerialPort *link = nullptr;             //!< of the connection in hand; ends by deleteLater
-    QProgressDialog *progress_dialog = nullptr; //!< during the handshake only
+    ConnectProgress *progress_dialog = nullptr; //!< during the handshake only
     FilterDlg *filter_dialog = nullptr;         //!< while the filter editor is open
     WaitSaveDlg *wait_save_dialog = nullptr;    //!< while the router saves its rules
     QPointer<QMessageBox>

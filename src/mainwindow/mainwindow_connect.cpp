@@ -1,4 +1,5 @@
 #include "link/nmeaserialport.h"
+#include "mainwindow/connectprogress.h"
 #include "mainwindow/mainwindow.h"
 #include "mainwindow/statuswidget.h"
 #include "model/commands.h"
@@ -7,15 +8,11 @@
 #include "ui_mainwindow.h"
 
 #include <QListWidget>
-#include <QProgressBar>
-#include <QProgressDialog>
 #include <QTimer>
 
 namespace {
 
 constexpr int progressMaximum = 100;
-constexpr int progressFontSize = 8;
-constexpr QRgb progressColor = 0xff00ceff;
 constexpr quint8 nothingUnderView = 255;
 
 } // namespace
@@ -26,10 +23,13 @@ void MainWindow::slotConnectPort()
         askDisconnect();
         return;
     }
+    if (link) // in its search, or under the box that tells its end
+        return;
     link = new NmeaSerialPort;
     ui->pushButton_connect->setEnabled(false);
     wireLink();
-    makeProgressDialog();
+    progress_dialog = new ConnectProgress(this);
+    progress_dialog->show();
     connect(link, &NmeaSerialPort::signalVRConnectionProgress, this, &MainWindow::slotProgress);
     link->openPort(ui->comboBox_connect_port->currentText());
 }
@@ -66,33 +66,14 @@ void MainWindow::wireLink()
     status_widget->setLockLabel(false, false);
 }
 
-void MainWindow::makeProgressDialog()
-{
-    progress_dialog = new QProgressDialog(tr("Connecting TK-7...       "), QString(), 0,
-                                          progressMaximum, this, Qt::Popup);
-    QPalette palette;
-    palette.setColor(QPalette::Window, QColor(progressColor));
-    palette.setColor(QPalette::Button, Qt::white);
-    progress_dialog->setPalette(palette);
-    progress_dialog->setAutoFillBackground(true);
-    progress_dialog->setValue(0);
-    progress_dialog->setMinimumDuration(0);
-    QFont font = progress_dialog->font();
-    font.setPointSize(progressFontSize);
-    progress_dialog->setFont(font);
-    progress_dialog->setWindowModality(Qt::WindowModal);
-    progress_dialog->show();
-}
-
 void MainWindow::slotProgress(int progress)
 {
     if (!progress_dialog)
         return;
-    // The bar itself: QProgressDialog::setValue() of a modal dialog runs the event loop, in which
-    // the handshake can end and the dialog go.
-    progress_dialog->findChild<QProgressBar *>()->setValue(progress);
+    progress_dialog->showProgress(progress);
+    // The box that may come next could not be reached behind it.
     if (progress >= progressMaximum)
-        progress_dialog->hide();
+        progress_dialog->finish();
 }
 
 void MainWindow::closeProgressDialog()
@@ -102,8 +83,7 @@ void MainWindow::closeProgressDialog()
                    &MainWindow::slotProgress);
     if (!progress_dialog)
         return;
-    progress_dialog->hide();
-    progress_dialog->close();
+    progress_dialog->finish();
     progress_dialog->deleteLater();
     progress_dialog = nullptr;
 }
@@ -169,11 +149,17 @@ void MainWindow::leaveConnection()
     ui->pushButton_SaveEEPROM->setEnabled(false);
 }
 
+void MainWindow::enableConnect()
+{
+    ui->pushButton_connect->setEnabled(ui->comboBox_connect_port->count() != 0);
+}
+
 void MainWindow::releaseLink()
 {
     if (!link)
         return;
-    // The link may be in the midst of raising the signal that led here.
+    link->closePort();
+    // It may be in the midst of raising the signal that led here.
     link->deleteLater();
     link = nullptr;
 }
@@ -194,7 +180,7 @@ void MainWindow::slotErrorOpenPort()
     showMessage(tr("COM Port"), tr("Error open COM port"), QMessageBox::Warning);
     closeProgressDialog();
     resetConnectionView();
-    ui->pushButton_connect->setEnabled(true);
+    enableConnect();
     leaveConnection();
 }
 
@@ -206,7 +192,7 @@ void MainWindow::slotConnectBusy()
     resetConnectionView();
     showMessage(tr("COM Port"), tr("TK-7 Router Busy another Control programm"),
                 QMessageBox::Warning);
-    ui->pushButton_connect->setEnabled(true);
+    enableConnect();
     leaveConnection();
     crs_errors = 0;
     UpdateCrsErrorsLabel();
@@ -219,7 +205,7 @@ void MainWindow::slotTimeOutConnectPort()
     closeServiceDialog();
     closeAisTestDialog();
     resetConnectionView();
-    ui->pushButton_connect->setEnabled(true);
+    enableConnect();
     delete message_box;
     delete password_dialog;
     showMessage(tr("COM Port"), tr("Connection timeout"), QMessageBox::Warning);

@@ -8,7 +8,7 @@ void MainWindow::slotVRUpdateVRData()
 {
     refreshMatrix();
     if (!version_known)
-        send(Commands::Version);
+        queueSentence(Commands::Version);
     showMessage(tr("TK-7 Router"), tr("NMEA Router TK-7 connected\n   Download rules complete"),
                 QMessageBox::Information);
 }
@@ -70,7 +70,6 @@ void MainWindow::slotVRSendDisconnect()
 {
     closeWaitSaveDialog();
     resetConnectionView();
-    link->closePort();
     leaveConnection();
     crs_errors = 0;
     UpdateCrsErrorsLabel();

@@ -20,13 +20,14 @@ void MainWindow::slotRescanPorts()
     const QString current = box->currentText();
     box->clear();
     QStringList ports = NmeaSerialPort::scanPorts();
-    ui->pushButton_connect->setEnabled(!ports.isEmpty());
-    if (ports.isEmpty())
-        return;
     ports.sort(Qt::CaseSensitive);
     box->addItems(ports);
     const int index = box->findText(current, Qt::MatchExactly | Qt::MatchCaseSensitive);
-    box->setCurrentIndex(qMax(0, index));
+    if (!ports.isEmpty())
+        box->setCurrentIndex(qMax(0, index));
+    // While there is a link the button is its own: disabled in the search, "Disconnect" then.
+    if (!link)
+        enableConnect();
 }
 
 void MainWindow::applyScale()

@@ -26,28 +26,8 @@ private slots:
     void linkDiesUnderAnOpenBox();
 
 private:
-    static void verifyIdle(const WindowBench &bench);
     static void verifyConnectsAgain(WindowBench &bench);
 };
-
-void tst_connect::verifyIdle(const WindowBench &bench)
-{
-    QVERIFY(!bench.window.isConnected());
-    QVERIFY(!bench.window.findChild<QProgressDialog *>()
-            || !bench.window.findChild<QProgressDialog *>()->isVisible());
-    const auto *button = bench.find<QPushButton>("pushButton_connect");
-    QCOMPARE(button->text(), QStringLiteral("Connect"));
-    QVERIFY(button->isEnabled());
-    QVERIFY(bench.find<QComboBox>("comboBox_connect_port")->isEnabled());
-    QVERIFY(bench.find<QPushButton>("pushButton_rescan_ports")->isEnabled());
-    QVERIFY(!bench.find<QPushButton>("pushButton_SaveEEPROM")->isEnabled());
-    for (const char *name :
-         {"label_3", "label_vr48_status", "label_vr48_port", "label_firmware_version",
-          "label_firmware_mode", "label_vr48_errors", "label_vr48_flash_page"}) {
-        QVERIFY2(bench.find<QLabel>(name)->text().isEmpty(), name);
-    }
-    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-}
 
 void tst_connect::verifyConnectsAgain(WindowBench &bench)
 {
@@ -101,6 +81,9 @@ void tst_connect::progressDialog()
     QVERIFY(dialog->findChildren<QPushButton *>().isEmpty());
     QCOMPARE(dialog->minimum(), 0);
     QCOMPARE(dialog->maximum(), 100);
+    QCOMPARE(dialog->minimumDuration(), 0);
+    QVERIFY(dialog->autoFillBackground());
+    QCOMPARE(dialog->parentWidget(), &bench.window);
     QCOMPARE(dialog->windowFlags() & Qt::WindowType_Mask, Qt::WindowFlags(Qt::Popup));
     QCOMPARE(dialog->windowModality(), Qt::WindowModal);
     QCOMPARE(dialog->font().pointSize(), 8);
@@ -131,7 +114,7 @@ void tst_connect::silentRouterTimesOut()
     bench.find<QPushButton>("pushButton_connect")->click();
     QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.answered() == 1, 10000);
     QVERIFY2(clock.elapsed() >= 3450, qPrintable(QString::number(clock.elapsed())));
-    verifyIdle(bench);
+    bench.verifyIdle();
     verifyConnectsAgain(bench);
 }
 
@@ -143,7 +126,7 @@ void tst_connect::busyRouter()
         WindowBench::linkBox(QStringLiteral("TK-7 Router Busy another Control programm")));
     bench.find<QPushButton>("pushButton_connect")->click();
     QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.answered() == 1, 5000);
-    verifyIdle(bench);
+    bench.verifyIdle();
     verifyConnectsAgain(bench);
 }
 
@@ -156,7 +139,7 @@ void tst_connect::busyDuringTheConnection()
     bench.router.sendLine("$VRCNB\r\n");
     QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.answered() == 2, 5000);
     QTRY_VERIFY(!bench.window.isConnected());
-    verifyIdle(bench);
+    bench.verifyIdle();
 }
 
 void tst_connect::portThatWontOpen()
@@ -165,10 +148,18 @@ void tst_connect::portThatWontOpen()
     auto *ports = bench.find<QComboBox>("comboBox_connect_port");
     ports->addItem(QStringLiteral("/dev/null/none"));
     ports->setCurrentIndex(ports->count() - 1);
-    bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Error open COM port")));
+    BoxAnswer::Box box = WindowBench::linkBox(QStringLiteral("Error open COM port"));
+    box.click = QMessageBox::NoButton;
+    bool isReachable = false;
+    box.whileOpen = [&](QMessageBox &open) {
+        isReachable = !QApplication::activePopupWidget();
+        open.accept();
+    };
+    bench.boxes.expect(box);
     bench.find<QPushButton>("pushButton_connect")->click();
     QCOMPARE(bench.boxes.answered(), 1);
-    verifyIdle(bench);
+    QVERIFY(isReachable);
+    bench.verifyIdle();
     bench.selectRouterPort();
     verifyConnectsAgain(bench);
 }
@@ -180,7 +171,7 @@ void tst_connect::noSecondAnswer()
     bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
     bench.find<QPushButton>("pushButton_connect")->click();
     QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.answered() == 1, 10000);
-    verifyIdle(bench);
+    bench.verifyIdle();
 }
 
 // Every answer is counted as a bad checksum, and none is taken for an answer.
@@ -191,7 +182,7 @@ void tst_connect::wrongChecksums()
     bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
     bench.find<QPushButton>("pushButton_connect")->click();
     QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.answered() == 1, 10000);
-    verifyIdle(bench);
+    bench.verifyIdle();
     verifyConnectsAgain(bench);
 }
 
@@ -212,7 +203,7 @@ void tst_connect::linkDiesUnderAnOpenBox()
     bench.find<QPushButton>("pushButton_connect")->click();
     QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.answered() == 2, 12000);
     QTRY_VERIFY(!bench.window.isConnected());
-    verifyIdle(bench);
+    bench.verifyIdle();
     silence.stop();
     verifyConnectsAgain(bench);
 }

@@ -1,6 +1,8 @@
 #include "windowbench.h"
 
 #include <QComboBox>
+#include <QLabel>
+#include <QProgressDialog>
 #include <QPushButton>
 
 WindowBench::WindowBench()
@@ -52,4 +54,24 @@ QList<QByteArray> WindowBench::heard() const
             lines += received.line;
     }
     return lines;
+}
+
+void WindowBench::verifyIdle() const
+{
+    QVERIFY(!window.currentLink());
+    QVERIFY(!window.isConnected());
+    QVERIFY(!window.findChild<QProgressDialog *>()
+            || !window.findChild<QProgressDialog *>()->isVisible());
+    const auto *button = find<QPushButton>("pushButton_connect");
+    QCOMPARE(button->text(), QStringLiteral("Connect"));
+    QVERIFY(button->isEnabled());
+    QVERIFY(find<QComboBox>("comboBox_connect_port")->isEnabled());
+    QVERIFY(find<QPushButton>("pushButton_rescan_ports")->isEnabled());
+    QVERIFY(!find<QPushButton>("pushButton_SaveEEPROM")->isEnabled());
+    for (const char *name :
+         {"label_3", "label_vr48_status", "label_vr48_port", "label_firmware_version",
+          "label_firmware_mode", "label_vr48_errors", "label_vr48_flash_page"}) {
+        QVERIFY2(find<QLabel>(name)->text().isEmpty(), name);
+    }
+    QVERIFY2(boxes.isDone(), qPrintable(boxes.report()));
 }

@@ -36,6 +36,10 @@ public:
     /*! Presses Connect and waits for the end of the download, whose box is answered. */
     bool connectToRouter();
 
+    /*! Fails the test unless no connection is left, nor any trace of one, and every box has come.
+     */
+    void verifyIdle() const;
+
     /*! The box at the end of a download. */
     static BoxAnswer::Box downloadBox();
 

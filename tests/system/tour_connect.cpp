@@ -66,8 +66,15 @@ QString Tour::pressConnect()
 {
     m_tool.click(m_tool.map().connectButton());
     const QRect place = m_tool.awaitPopup(Limit::popup).place;
-    await([&] { return shareOf(m_tool.pictureOnScreen(place), progressColor) > Story::mostly; },
-          Limit::paint, QStringLiteral("what popped up isn't the progress of the connection"));
+    const auto isProgress = [&] {
+        return shareOf(m_tool.pictureOnScreen(place), progressColor) > Story::mostly;
+    };
+    await(isProgress, Limit::paint,
+          QStringLiteral("what popped up isn't the progress of the connection"));
+    // The impatient hand: once more on the button, which lies beside the dialog, and a key.
+    m_tool.desktop().press(XDesktop::LeftButton);
+    m_tool.desktop().release(XDesktop::LeftButton);
+    m_tool.desktop().strike("Escape");
     // The second speed: the bar has begun to move.
     const auto isTried = [this] {
         const QList<ReceivedLine> &tried = m_router.overheard();
@@ -77,7 +84,8 @@ QString Tour::pressConnect()
     await(isTried, Limit::paint,
           QStringLiteral("the tool doesn't go on to %1 baud").arg(secondSpeed));
     require(!m_router.isConnected(), QStringLiteral("the router is connected already"));
-    return QStringLiteral("the progress dialog, while the tool tries %1 baud")
+    require(isProgress(), QStringLiteral("the progress dialog doesn't stay"));
+    return QStringLiteral("the progress dialog stays, while the tool tries %1 baud")
         .arg(m_router.lineSpeed());
 }
 
