@@ -1,3 +1,8 @@
+#include "matrixview.h"
+#include "model/rulefile.h"
+#include "support/checkedline.h"
+#include "support/filedialoganswer.h"
+#include "support/ptypair.h"
 #include "windowbench.h"
 
 #include <QCheckBox>
@@ -5,6 +10,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTemporaryDir>
 
 using tk7sim::Fault;
 using tk7sim::RouterConfig;
@@ -23,6 +29,7 @@ private slots:
     void flashBank();
     void secondEndMark();
     void breaksOff();
+    void brokenDownloadStays();
     void cancelDisconnect();
     void disconnectInOrder();
     void versionIsAskedAnew();
@@ -108,6 +115,20 @@ RouterConfig busyConfig()
     config.filterList[31] = "ZZZ";
     config.filterList[20] = "QQQ";
     return config;
+}
+
+// The rows of each output port, as the screen shows them when it is chosen.
+QStringList allRows(const MatrixView &matrix)
+{
+    QStringList rows;
+    for (int port = 0; port < MatrixView::size; ++port) {
+        matrix.outputButton(port)->click();
+        for (int c = 0; c < MatrixView::size; ++c)
+            rows += matrix.row(c);
+        for (int input = 0; input < MatrixView::size; ++input)
+            rows += QString::number(matrix.placeOf(input));
+    }
+    return rows;
 }
 
 } // namespace
@@ -253,6 +274,72 @@ void tst_download::breaksOff()
     QTRY_VERIFY(!bench.window.isConnected());
 }
 
+// The router falls silent in the midst of its configuration: what came is kept, and shown.
+void tst_download::brokenDownloadStays()
+{
+    constexpr int watchTime = 4000;
+    constexpr int late = 900;
+    const QString words = QStringLiteral("F302").repeated(12);
+    const QByteArray part = checkedLine("$VRRUL,0,W," + words.toLatin1())
+        + checkedLine("$VRFLT,0,W,0," + QByteArray("0000000F").repeated(6))
+        + checkedLine("$VRSPD,3,57600") + checkedLine("$VRPNM,O,0,GPS,,,,,")
+        + checkedLine("$VRMOD,NIGHT") + checkedLine("$VRRUL,1,W,F30").left(12);
+    PtyPair line;
+    MainWindow window;
+    BoxAnswer boxes;
+    QElapsedTimer clock;
+    connect(&line, &PtyPair::lineReceived, &line, [&](const QByteArray &sentence) {
+        if (sentence == "$VRCNT\r\n")
+            line.write(checkedLine("$VRCNU,3"));
+        if (sentence == "$VRRLD\r\n") {
+            clock.start();
+            line.write(part);
+        }
+    });
+    auto *ports = window.findChild<QComboBox *>(QStringLiteral("comboBox_connect_port"));
+    ports->addItem(line.slavePath());
+    ports->setCurrentText(line.slavePath());
+    window.show();
+    const MatrixView matrix(window);
+    RouterModel expected = window.routerModel();
+    for (ChannelRecord &channel : expected.output_ports[0].channels) {
+        channel.main_input = 3;
+        channel.filter_enabled = true;
+    }
+    for (size_t c = 0; c < 6; ++c)
+        expected.output_ports[0].channels[c].filter_mask = 0xF;
+    expected.output_ports[3].speed = 57600;
+    expected.output_ports[0].output_name = QStringLiteral("GPS");
+
+    boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    window.slotConnectPort();
+    QTRY_VERIFY_WITH_TIMEOUT(boxes.answered() == 1, 12000);
+    const qint64 took = clock.elapsed();
+    QVERIFY2(took >= watchTime - 100 && took <= watchTime + late,
+             qPrintable(QString::number(took)));
+    QTRY_VERIFY(!window.isConnected());
+    const RouterModel &model = window.routerModel();
+    for (size_t port = 0; port < 12; ++port) {
+        for (size_t c = 0; c < 12; ++c) {
+            const ChannelRecord &found = model.output_ports[port].channels[c];
+            const ChannelRecord &wanted = expected.output_ports[port].channels[c];
+            QCOMPARE(found.main_input, wanted.main_input);
+            QCOMPARE(found.reserve_input, wanted.reserve_input);
+            QCOMPARE(found.filter_enabled, wanted.filter_enabled);
+            QCOMPARE(found.filter_mask, wanted.filter_mask);
+        }
+        QCOMPARE(model.output_ports[port].speed, expected.output_ports[port].speed);
+        QCOMPARE(model.output_ports[port].output_name, expected.output_ports[port].output_name);
+    }
+    QCOMPARE(window.findChild<QComboBox *>(QStringLiteral("comboBox_output_port_3"))->currentText(),
+             QStringLiteral("57600"));
+    matrix.outputButton(1)->click();
+    QCOMPARE(matrix.row(5), QStringLiteral("-------\"\""));
+    matrix.outputButton(0)->click();
+    for (int c = 0; c < 12; ++c)
+        QCOMPARE(matrix.row(c), QStringLiteral("F+sCH--S\"\""));
+}
+
 void tst_download::absurdNumbersChangeNothing_data()
 {
     QTest::addColumn<QByteArray>("body");
@@ -359,16 +446,45 @@ void tst_download::versionIsAskedAnew()
 void tst_download::modelOutlivesTheConnection()
 {
     WindowBench bench;
+    const MatrixView matrix(bench.window);
     bench.router.setWorking(busyConfig());
     QVERIFY(bench.connectToRouter());
+    const QStringList rows = allRows(matrix);
+    matrix.outputButton(4)->click();
+    const QString lastRow = matrix.row(11);
     bench.boxes.expect(disconnectBox(QMessageBox::Ok));
     bench.find<QPushButton>("pushButton_connect")->click();
     QTRY_VERIFY(!bench.window.isConnected());
+    QCOMPARE(matrix.row(11), lastRow);
     compareModel(bench.window.routerModel(), busyConfig());
     QCOMPARE(bench.find<QComboBox>("comboBox_output_port_6")->currentText(),
              QStringLiteral("115200"));
     QCOMPARE(bench.find<QPushButton>("pushButton_output_port_1")->text(),
              QStringLiteral("1. Out 1"));
+    QCOMPARE(allRows(matrix), rows);
+
+    // And a rule file that is saved now holds all of it.
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("after.vrr"));
+    FileDialogAnswer dialogs;
+    dialogs.expect({QStringLiteral("Save rules"),
+                    {QStringLiteral("TK-7 data (*.vrr)")},
+                    QFileDialog::AcceptSave,
+                    path,
+                    {},
+                    {}});
+    bench.find<QPushButton>("pushButton_SaveFile")->click();
+    QVERIFY2(dialogs.report().isEmpty(), qPrintable(dialogs.report()));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    RouterModel saved;
+    QVERIFY(RuleFile::read(file, saved));
+    // A slot that is free keeps the name that it had before.
+    for (size_t slot = 0; slot < saved.filter_list.size(); ++slot) {
+        if (!(saved.filter_list_mask >> slot & 1))
+            saved.filter_list[slot].clear();
+    }
+    compareModel(saved, busyConfig());
 }
 
 QTEST_MAIN(tst_download)
