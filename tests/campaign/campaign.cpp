@@ -45,7 +45,7 @@ bool isConnecting(const QWidget *dialog)
 Campaign::Campaign(const Options &options)
     : m_options(options), m_log(options.seed, options.isVerbose),
       m_router(options.seed, options.portName), m_trouble(m_router, m_dice, m_log),
-      m_screen(m_window), m_user(m_window, m_screen, m_hand, m_dice),
+      m_screen(m_window), m_table(m_window), m_user(m_window, m_screen, m_hand, m_dice),
       m_dialogUser(m_hand, m_dice, m_files)
 {
     if (!m_router.isOpen())
@@ -182,8 +182,8 @@ QString Campaign::findProblem()
     if (!m_state.refused.isEmpty() && m_agreement.isJudging())
         return QStringLiteral("the router has refused ") + QString::fromLatin1(m_state.refused);
     for (const auto &judge :
-         {&Campaign::judgeProgress, &Campaign::judgePause, &Campaign::judgeDialogs,
-          &Campaign::judgeLink, &Campaign::judgeScreen}) {
+         {&Campaign::judgeTable, &Campaign::judgeProgress, &Campaign::judgePause,
+          &Campaign::judgeDialogs, &Campaign::judgeLink, &Campaign::judgeScreen}) {
         QString problem = (this->*judge)();
         if (!problem.isEmpty())
             return problem;
@@ -277,6 +277,11 @@ QString Campaign::judgeLink()
     return QString();
 }
 
+QString Campaign::judgeTable()
+{
+    return m_table.check();
+}
+
 QString Campaign::judgeScreen()
 {
     if (openDialog() || m_user.isDragging() || m_window.findChild<QDrag *>()
@@ -340,7 +345,11 @@ void Campaign::actAsUser()
     QWidget *dialog = openDialog();
     if (m_user.isDragging()) {
         note(m_user.goOnDragging());
-    } else if (waitsForDownload() || isConnecting(dialog)) {
+    } else if (isConnecting(dialog)) {
+        const User::Deed deed = m_user.stepInSearch();
+        if (!deed.kind.isEmpty())
+            note(deed);
+    } else if (waitsForDownload()) {
         return;
     } else if (!dialog && m_window.findChild<QDrag *>()) {
         // The release went astray when a box opened; a click ends such a drag.

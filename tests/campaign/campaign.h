@@ -6,6 +6,7 @@
 #include "filestore.h"
 #include "hand.h"
 #include "heartbeat.h"
+#include "linkcheck.h"
 #include "resources.h"
 #include "routerthread.h"
 #include "screencheck.h"
@@ -72,6 +73,7 @@ private:
     void boxShown(const QString &title, const QString &text);
     bool isOk();
     QString findProblem();
+    QString judgeTable();
     QString judgeScreen();
     QString judgeLink();
     QString judgeDialogs();
@@ -100,6 +102,7 @@ private:
     FileStore m_files;
     MainWindow m_window;
     ScreenCheck m_screen;
+    LinkCheck m_table;
     Hand m_hand;
     User m_user;
     DialogUser m_dialogUser;

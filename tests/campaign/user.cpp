@@ -3,9 +3,11 @@
 #include "mainwindow/mainwindow.h"
 #include "widgets/qmlineedit.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QScrollArea>
+#include <QTimer>
 
 #include <algorithm>
 #include <iterator>
@@ -156,9 +158,53 @@ User::Deed User::pressConnect()
     return {QStringLiteral("connect"), QString(), false};
 }
 
+User::Deed User::stepInSearch()
+{
+    constexpr int patience = 80; // per cent: the search has its time, too
+    if (m_dice.chance(patience))
+        return {};
+    const auto deed = [](const char *text) {
+        return Deed{QStringLiteral("in the search"), QString::fromLatin1(text), false};
+    };
+    QWidget *dialog = QApplication::activePopupWidget();
+    auto *connectButton = m_window.findChild<QPushButton *>(QStringLiteral("pushButton_connect"));
+    auto *rescanButton =
+        m_window.findChild<QPushButton *>(QStringLiteral("pushButton_rescan_ports"));
+    switch (m_dice.below(6)) {
+    case 0:
+        m_hand.strike(Qt::Key_Escape);
+        return deed("Escape");
+    case 1:
+        m_hand.click(m_window.findChild<QWidget *>(QStringLiteral("label_input_ports")));
+        return deed("press beside");
+    case 2:
+        m_hand.doubleClick(connectButton, connectButton->rect().center());
+        return deed("double click on Connect");
+    case 3:
+        m_hand.click(rescanButton);
+        m_hand.click(connectButton);
+        return deed("rescan and connect");
+    case 4:
+        // As a program for the blind does it, which asks no window system.
+        QTimer::singleShot(0, rescanButton, [rescanButton, connectButton] {
+            rescanButton->click();
+            connectButton->click();
+        });
+        return deed("rescan and connect by another program");
+    default:
+        QTimer::singleShot(0, dialog, [dialog] { dialog->close(); });
+        return deed("close");
+    }
+}
+
 QString User::connectRouter()
 {
-    return click("pushButton_connect");
+    constexpr int impatience = 30;
+    auto *button = m_window.findChild<QPushButton *>(QStringLiteral("pushButton_connect"));
+    if (!m_dice.chance(impatience))
+        return click("pushButton_connect");
+    m_hand.doubleClick(button, button->rect().center());
+    return QStringLiteral("by a double click");
 }
 
 QString User::disconnectRouter()

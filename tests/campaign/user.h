@@ -33,6 +33,9 @@ public:
     /*! The one step that connects or disconnects, for a campaign that is in need of either. */
     Deed pressConnect();
 
+    /*! Mostly none, or one of an impatient user while the router is searched; all in vain. */
+    Deed stepInSearch();
+
     /*! Goes on with what the mouse has lifted; there is nothing else to do with a full hand. */
     Deed goOnDragging();
     bool isDragging() const { return m_isDragging; }
