@@ -33,22 +33,40 @@ if(UNIX)
 endif()
 
 # tk7_add_test(NAME sources... LINK libs... TIMEOUT seconds LABELS labels...): one QtTest program.
+# The limit is for a hanging one on a crowded machine; by itself no test needs more than a minute.
+# With APART each of its functions is a test of its own, so that they run side by side: those that
+# the first source declares, one a line.
 function(tk7_add_test name)
-    cmake_parse_arguments(arg "RUN_SERIAL" "TIMEOUT" "LINK;LABELS" ${ARGN})
+    cmake_parse_arguments(arg "RUN_SERIAL;APART" "TIMEOUT" "LINK;LABELS" ${ARGN})
     add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
     target_link_libraries(${name} PRIVATE ${arg_LINK} Qt5::Test tk7_options)
     if(TK7_SANITIZE)
         target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/leakcheck.cpp)
     endif()
-    add_test(NAME ${name} COMMAND ${name})
-    if(NOT arg_TIMEOUT)
-        set(arg_TIMEOUT 60)
+    set(tests ${name})
+    if(arg_APART)
+        list(GET arg_UNPARSED_ARGUMENTS 0 source)
+        set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${source})
+        file(STRINGS ${source} tests REGEX "^    void [A-Za-z0-9]+\\(\\);$")
+        list(TRANSFORM tests REPLACE "^    void (.*)\\(\\);$" "${name}_\\1")
+        foreach(test IN LISTS tests)
+            string(REPLACE "${name}_" "" function ${test})
+            add_test(NAME ${test} COMMAND ${name} ${function})
+        endforeach()
+    else()
+        add_test(NAME ${name} COMMAND ${name})
     endif()
-    set_tests_properties(${name} PROPERTIES
+    if(NOT arg_TIMEOUT)
+        set(arg_TIMEOUT 120)
+    endif()
+    if(TK7_SANITIZE)
+        math(EXPR arg_TIMEOUT "3 * ${arg_TIMEOUT}")
+    endif()
+    set_tests_properties(${tests} PROPERTIES
         TIMEOUT ${arg_TIMEOUT}
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_FONT_DPI=96;XDG_RUNTIME_DIR=${TK7_TEST_RUNTIME}"
         LABELS "${arg_LABELS}")
     if(arg_RUN_SERIAL)
-        set_tests_properties(${name} PROPERTIES RUN_SERIAL ON)
+        set_tests_properties(${tests} PROPERTIES RUN_SERIAL ON)
     endif()
 endfunction()

@@ -30,6 +30,11 @@ void tst_QAisAlarm::startsUnfilled()
     const QAisAlarm alarm;
     QCOMPARE(int(alarm.m_id), 0);
     QVERIFY(!alarm.m_valid);
+    QVERIFY(!alarm.m_condition);
+    QVERIFY(!alarm.m_acknowledged);
+    QCOMPARE(int(alarm.m_hour), 0);
+    QCOMPARE(int(alarm.m_minute), 0);
+    QCOMPARE(int(alarm.m_second), 0);
     QVERIFY(alarm.m_text.isNull());
 }
 

@@ -532,6 +532,14 @@ void tst_QGpsKrd::rhumbLineEdge_data()
     QTest::newRow("due west") << 0.0 << 0.0 << 0.0 << -60.0 << 60.0 << 270.0;
     QTest::newRow("due east in 60 degrees north")
         << 3600.0 << 0.0 << 3600.0 << 60.0 << 30.0 << 90.0;
+    QTest::newRow("east across the 180th meridian, from just east of 0")
+        << 0.0 << 0.5 << 0.0 << -10799.75 << 10799.75 << 90.0;
+    QTest::newRow("west across the 180th meridian, from just west of 0")
+        << 0.0 << -0.5 << 0.0 << 10799.75 << 10799.75 << 270.0;
+    QTest::newRow("east across the 180th meridian, to just west of 0")
+        << 0.0 << 10799.75 << 0.0 << -0.5 << 10799.75 << 90.0;
+    QTest::newRow("west across the 180th meridian, to just east of 0")
+        << 0.0 << -10799.75 << 0.0 << 0.5 << 10799.75 << 270.0;
     QTest::newRow("half round is not turned") << 0.0 << -5400.0 << 0.0 << 5400.0 << 10800.0 << 90.0;
 }
 

@@ -10,7 +10,7 @@
 #include <set>
 
 /*!
- * Ten thousand random sessions with the filter editor against a small model of its rules: after
+ * Random sessions with the filter editor against a small model of its rules: after
  * each of them the lists, all masks and types, and what the router has heard must be equal.
  *
  * The course of a session is drawn; a tenth of its deeds is the router's, which speaks meanwhile.
@@ -18,7 +18,7 @@
  * The wire is the real one. Only the tick of the queue is not waited for: its slot is called until
  * all is out, as the timer would in 25 ms a line.
  *
- * TK7_SEED and TK7_SESSIONS in the environment choose another course.
+ * TK7_SEED and TK7_SESSIONS in the environment choose another course; CTest runs four.
  */
 class tst_filter_random : public QObject
 {
@@ -34,7 +34,8 @@ constexpr int ports = 12;
 constexpr int channels = 12;
 constexpr int slotCount = 32;
 constexpr quint32 defaultSeed = 20240611;
-constexpr int defaultSessions = 10000;
+constexpr int defaultSessions = 2500;
+constexpr int leastOfADeed = 25;
 
 using Names = QMap<int, QString>; // by slot
 
@@ -560,7 +561,7 @@ void tst_filter_random::sessions()
           "deleted unused name", "deleted used name", "full list", "kept unused name",
           "kept used name", "known name", "nothing to delete", "ok", "refused entry",
           "sentence from the router", "type"})
-        QVERIFY2(tally.value(QString::fromLatin1(deed)) >= 100, deed);
+        QVERIFY2(tally.value(QString::fromLatin1(deed)) >= leastOfADeed, deed);
 }
 
 QTEST_MAIN(tst_filter_random)

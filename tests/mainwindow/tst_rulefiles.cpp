@@ -1,13 +1,11 @@
-#include "matrixview.h"
+#include "rulefilebench.h"
 
 #include "../model/randommodel.h"
 #include "../model/richmodel.h"
 #include "model/rulefile.h"
-#include "support/filedialoganswer.h"
 #include "support/nofile.h"
 
 #include <QBuffer>
-#include <QComboBox>
 #include <QDir>
 #include <QDrag>
 #include <QFile>
@@ -25,13 +23,13 @@
 
 // Rule files through the window: its buttons, the file dialogs, the boxes, the screen and the line.
 
+using Bench = RuleFileBench;
 using Setup = std::function<void(MainWindow &)>;
 Q_DECLARE_METATYPE(Setup)
 
 namespace {
 
 const QString saveTitle = QStringLiteral("Save Rules");
-const QString loadTitle = QStringLiteral("Load Rules");
 
 // A file of a router without names.
 constexpr int channelsOffset = 3;
@@ -39,14 +37,6 @@ constexpr int channelSize = 9;
 constexpr int speedOffset = channelsOffset + 12 * channelSize; // of port 0
 constexpr int portSize = 12 * channelSize + 4 + 1;
 constexpr int inputNamesOffset = channelsOffset + 12 * portSize + 4 + 12 * 3;
-
-QByteArray dataFile(const char *name)
-{
-    QFile file(QStringLiteral(TK7_TEST_DATA "/") + QString::fromLatin1(name));
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("%s: %s", name, qPrintable(file.errorString()));
-    return file.readAll();
-}
 
 QByteArray written(const RouterModel &model)
 {
@@ -59,13 +49,6 @@ QByteArray contentOf(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no such file)");
-}
-
-void makeFile(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("%s: %s", qPrintable(path), qPrintable(file.errorString()));
 }
 
 /*! Gives \a window the router \a model, as a download would. */
@@ -97,37 +80,6 @@ RouterModel asLoaded(RouterModel model)
     buffer.setData(written(model));
     buffer.open(QIODevice::ReadOnly);
     return RuleFile::read(buffer, loaded) ? loaded : RouterModel();
-}
-
-bool isPort(int input)
-{
-    return input < MatrixView::size;
-}
-
-/*! A channel's row as MatrixView::row() is to tell it. */
-QString rowOf(const ChannelRecord &channel)
-{
-    if (!isPort(channel.main_input) && !isPort(channel.reserve_input))
-        return QStringLiteral("-------\"\"");
-    return QStringLiteral("F%1C%2H%3S\"%4\"%5")
-        .arg(channel.filter_enabled ? QStringLiteral("+s") : QStringLiteral("-"),
-             channel.crs_enabled ? QStringLiteral("+") : QString(),
-             channel.hdr_enabled ? QStringLiteral("+ts") : QStringLiteral("--"), channel.hdr,
-             channel.smart_function == 0 ? QString() : QStringLiteral("!"));
-}
-
-/*! The code of the frame in which the label of input port \a port is to lie. */
-int placeOf(int port, const OutputPortRecord &shown)
-{
-    int place = 48 + port;
-    for (int c = 0; c < MatrixView::size; ++c) {
-        const ChannelRecord &channel = shown.channels[std::size_t(c)];
-        if (channel.main_input == port)
-            place = 16 + c;
-        else if (channel.reserve_input == port)
-            place = 32 + c;
-    }
-    return place;
 }
 
 /*! Drags the label in \a from to \a to by the mouse; returns whether \a to took it. */
@@ -172,115 +124,6 @@ public:
 private:
     void (*m_handler)(int);
     rlimit m_before = {};
-};
-
-/*! A window, its router, and a folder for rule files. */
-struct Bench : WindowBench
-{
-    Bench() { matrix = std::make_unique<MatrixView>(window); }
-
-    QString path(const QString &name) const { return folder.filePath(name); }
-
-    FileDialogAnswer::Dialog saveDialog(const QString &fileName) const
-    {
-        return {QStringLiteral("Save rules"),
-                {QStringLiteral("TK-7 data (*.vrr)")},
-                QFileDialog::AcceptSave,
-                fileName,
-                {},
-                {}};
-    }
-
-    FileDialogAnswer::Dialog loadDialog(const QString &fileName) const
-    {
-        return {QStringLiteral("Load rules"),
-                {QStringLiteral("TK-7 data (*.vrr)"), QStringLiteral("*.*")},
-                QFileDialog::AcceptOpen,
-                fileName,
-                {},
-                {}};
-    }
-
-    /*! Presses the button and gives the answer; the boxes are for the test to expect. */
-    void save(const QString &fileName)
-    {
-        dialogs.expect(saveDialog(fileName));
-        find<QPushButton>("pushButton_SaveFile")->click();
-    }
-
-    void load(const QString &fileName)
-    {
-        dialogs.expect(loadDialog(fileName));
-        find<QPushButton>("pushButton_LoadFile")->click();
-    }
-
-    void loadBytes(const QByteArray &bytes)
-    {
-        makeFile(path("rules.vrr"), bytes);
-        load(path("rules.vrr"));
-    }
-
-    void expectLoaded()
-    {
-        boxes.expect({QStringLiteral("TK-7 Router"), QStringLiteral("Load rules complete"),
-                      QMessageBox::Information});
-    }
-
-    void expectWarning(const QString &title, const QString &text)
-    {
-        boxes.expect({title, text, QMessageBox::Warning});
-    }
-
-    void expectReplaceQuestion(const QString &name)
-    {
-        boxes.expect({QStringLiteral("Save rules"),
-                      QStringLiteral("%1 already exists.\nDo you want to replace it?").arg(name),
-                      QMessageBox::Warning, QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes});
-    }
-
-    /*! What of boxes and file dialogs was not as expected; empty if all was. */
-    QString report() const { return boxes.report() + dialogs.report(); }
-
-    /*! What on the screen differs from \a model, with output port \a port selected. */
-    QString differences(const RouterModel &model, int port) const
-    {
-        QStringList lines;
-        const auto compare = [&lines](const char *what, int number, const QString &shown,
-                                      const QString &expected) {
-            if (shown != expected) {
-                lines += QStringLiteral("%1 %2: %3 instead of %4")
-                             .arg(QLatin1String(what))
-                             .arg(number)
-                             .arg(shown, expected);
-            }
-        };
-        compare("heading", port, find<QLabel>("label_cur_ch_out")->text(),
-                QStringLiteral("< OUTPUT PORT %1 >").arg(port));
-        const OutputPortRecord &shown = model.output_ports[std::size_t(port)];
-        for (int i = 0; i < MatrixView::size; ++i) {
-            const OutputPortRecord &output = model.output_ports[std::size_t(i)];
-            const QString speed = QString::number(output.speed);
-            const QString &name = model.input_ports[std::size_t(i)].input_name;
-            const QString blanks(i > 9 ? 2 : 3, QLatin1Char(' '));
-            compare("row", i, matrix->row(i), rowOf(shown.channels[std::size_t(i)]));
-            compare("place of label", i, QString::number(matrix->placeOf(i)),
-                    QString::number(::placeOf(i, shown)));
-            compare("label", i, matrix->labels[std::size_t(i)]->text(),
-                    name.isEmpty() ? QStringLiteral("PORT %1").arg(i)
-                                   : QStringLiteral("%1. %2").arg(i).arg(name));
-            compare("output button", i, matrix->outputButton(i)->text(),
-                    output.output_name.isEmpty()
-                        ? QStringLiteral("PORT") + blanks + QString::number(i)
-                        : QStringLiteral("%1. %2").arg(i).arg(output.output_name));
-            compare("speed", i,
-                    matrix->widget<QComboBox>("comboBox_output_port_%1", i)->currentText(), speed);
-        }
-        return lines.join(QLatin1Char('\n'));
-    }
-
-    QTemporaryDir folder;
-    FileDialogAnswer dialogs;
-    std::unique_ptr<MatrixView> matrix;
 };
 
 } // namespace
@@ -335,8 +178,6 @@ private slots:
     void foreignInputs_data();
     void foreignInputs();
     void foreignInputsOnTheWire();
-    void cutAtEveryLength();
-    void everyByteFlipped();
 };
 
 void TestRuleFiles::cancelledDialogs()
@@ -969,67 +810,6 @@ void TestRuleFiles::foreignInputsOnTheWire()
         QCOMPARE(int(heard.mainInput), 15);
         QCOMPARE(int(heard.reserveInput), c % 2 == 0 ? 7 : 15);
     }
-}
-
-namespace {
-
-/*! Loads \a bytes, expecting the box that is due, and looks at what holds whatever they are. */
-QString loadHostile(Bench &bench, const QByteArray &bytes)
-{
-    QBuffer buffer;
-    buffer.setData(bytes);
-    buffer.open(QIODevice::ReadOnly);
-    RouterModel expected = bench.window.routerModel();
-    const bool isGood = RuleFile::read(buffer, expected);
-    if (isGood)
-        bench.expectLoaded();
-    else
-        bench.expectWarning(
-            loadTitle, QStringLiteral("Error load rules from %1").arg(bench.path("rules.vrr")));
-    bench.loadBytes(bytes);
-    if (!bench.report().isEmpty())
-        return bench.report();
-    if (bench.window.routerModel() != expected)
-        return QStringLiteral("another model than the reader's");
-    for (int port = 0; port < MatrixView::size; ++port) {
-        const QLabel *label = bench.matrix->labels[std::size_t(port)];
-        const DragFrame *frame = bench.matrix->frame(bench.matrix->placeOf(port));
-        if (!frame || !frame->rect().contains(label->geometry()))
-            return QStringLiteral("label %1 lies in no frame").arg(port);
-    }
-    for (int i = 0; i < MatrixView::size; ++i) {
-        const ChannelRecord &channel = expected.output_ports[0].channels[std::size_t(i)];
-        const bool isEmptyRow = bench.matrix->row(i).startsWith(QStringLiteral("-------"));
-        if (isGood && isEmptyRow != isEmpty(channel))
-            return QStringLiteral("row %1 is %2").arg(i).arg(bench.matrix->row(i));
-    }
-    return QString();
-}
-
-} // namespace
-
-void TestRuleFiles::cutAtEveryLength()
-{
-    Bench bench;
-    const QByteArray good = dataFile("rules-rich.vrr");
-    for (int size = 0; size <= good.size(); ++size) {
-        const QString report = loadHostile(bench, good.left(size));
-        QVERIFY2(report.isEmpty(), qPrintable(QString::number(size) + ": " + report));
-    }
-    QVERIFY(bench.heard().isEmpty());
-}
-
-void TestRuleFiles::everyByteFlipped()
-{
-    Bench bench;
-    const QByteArray good = dataFile("rules-rich.vrr");
-    for (int offset = 0; offset < good.size(); ++offset) {
-        QByteArray bytes = good;
-        bytes[offset] = char(~bytes.at(offset));
-        const QString report = loadHostile(bench, bytes);
-        QVERIFY2(report.isEmpty(), qPrintable(QString::number(offset) + ": " + report));
-    }
-    QVERIFY(bench.heard().isEmpty());
 }
 
 QTEST_MAIN(TestRuleFiles)

@@ -1,7 +1,5 @@
-#include "firmwarebench.h"
-#include "windowbench.h"
+#include "servicesimtest.h"
 
-#include "platform/keyboard.h"
 #include "service/enterpassworddlg.h"
 #include "service/modedlg.h"
 #include "service/passworddlg.h"
@@ -10,20 +8,16 @@
 
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QTableWidget>
 
 using tk7sim::Fault;
 
 /*! The service against the simulated router, over the line and with its faults. */
-class tst_servicesim : public QObject
+class tst_servicesim : public ServiceSimTest
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-
     void statistics();
     void chip();
     void aisTest();
@@ -32,27 +26,9 @@ private slots:
     void lifeOfAPassword();
     void lockedFault();
     void mode();
-    void largeFirmware();
-    void faults_data();
-    void faults();
-    void cancelAndAgain_data();
-    void cancelAndAgain();
-    void reconnectsToTheNewVersion();
 
 private:
-    QPushButton *button(const QWidget &dialog, const char *name) const
-    {
-        return dialog.findChild<QPushButton *>(QString::fromLatin1(name));
-    }
-    bool connectToRouter();
-    bool inService(const std::function<void(servicedlg &)> &use);
-    bool startUpdate(const QByteArray &image);
-    void verifyUpdateWorks(const QByteArray &image);
     bool unlock(servicedlg &dialog, const QString &password);
-
-    std::unique_ptr<WindowBench> m_bench;
-    std::unique_ptr<FileDialogAnswer> m_files;
-    QTemporaryDir m_folder;
 };
 
 namespace {
@@ -81,99 +57,7 @@ BoxAnswer::Box passwordSet()
             QMessageBox::Information};
 }
 
-// Closed when the router has heard that it may use the firmware.
-BoxAnswer::Box success(WindowBench &bench)
-{
-    BoxAnswer::Box box = {
-        QStringLiteral("Firmware update"),
-        QStringLiteral("The firmware has been successfully loaded, the router will reboot. Please "
-                       "reconnect to the router."),
-        QMessageBox::Information, QMessageBox::Ok, QMessageBox::NoButton};
-    box.whileOpen = [&bench](QMessageBox &open) {
-        QTRY_VERIFY(bench.heard().endsWith("$VRFWW\r\n"));
-        open.accept();
-    };
-    return box;
-}
-
-QString failure(int code)
-{
-    return QStringLiteral("Error firmware update. code: %1").arg(code);
-}
-
 } // namespace
-
-void tst_servicesim::init()
-{
-    m_bench = std::make_unique<WindowBench>();
-    m_files = std::make_unique<FileDialogAnswer>();
-    m_bench->router.setVersion(4, 0);
-    platform::setLeftControlSource([] { return true; });
-}
-
-void tst_servicesim::cleanup()
-{
-    platform::setLeftControlSource({});
-    m_files.reset();
-    m_bench.reset();
-}
-
-// The version comes behind the download.
-bool tst_servicesim::connectToRouter()
-{
-    const auto *label = m_bench->find<QLabel>("label_firmware_version");
-    return m_bench->connectToRouter()
-        && QTest::qWaitFor([label] { return !label->text().isEmpty(); });
-}
-
-bool tst_servicesim::inService(const std::function<void(servicedlg &)> &use)
-{
-    bool hasCome = false;
-    QTimer::singleShot(0, &m_bench->window, [&] {
-        const QPointer<servicedlg> dialog = m_bench->window.findChild<servicedlg *>();
-        if (!dialog || !dialog->isVisible())
-            return;
-        hasCome = true;
-        use(*dialog);
-        if (dialog)
-            dialog->close();
-    });
-    m_bench->find<QPushButton>("pushButton_Service")->click();
-    return hasCome;
-}
-
-bool tst_servicesim::startUpdate(const QByteArray &image)
-{
-    const QString path = m_folder.filePath(QStringLiteral("new.efw"));
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(image) != image.size())
-        return false;
-    file.close();
-    m_files->expect(FirmwareBench::chooser(path));
-    m_bench->boxes.expect(FirmwareBench::question(QStringLiteral("3.6"), QMessageBox::Yes));
-    bool isClosed = false;
-    const bool hasCome = inService([&](servicedlg &dialog) {
-        button(dialog, "pushButton_Fw_Update")->click();
-        isClosed = !dialog.isVisible();
-    });
-    return hasCome && isClosed;
-}
-
-void tst_servicesim::verifyUpdateWorks(const QByteArray &image)
-{
-    QSignalSpy received(&m_bench->router, &tk7sim::RouterSimulator::firmwareReceived);
-    // A whole poll: behind it the router has said its last word to an update before this one.
-    QVERIFY(inService([](servicedlg &dialog) {
-        QTRY_VERIFY(!dialog.findChild<QTableWidget *>()->item(11, 4)->text().isEmpty());
-    }));
-    QVERIFY(startUpdate(image));
-    m_bench->boxes.expect(success(*m_bench));
-    // Waits by an event loop of its own, and so at the pace of the line.
-    QVERIFY(received.wait(120000));
-    QTRY_VERIFY(!m_bench->window.isConnected());
-    QVERIFY2(m_bench->boxes.isDone(), qPrintable(m_bench->boxes.report()));
-    QCOMPARE(m_bench->router.firmwareImage(), image);
-}
 
 bool tst_servicesim::unlock(servicedlg &dialog, const QString &password)
 {
@@ -349,107 +233,6 @@ void tst_servicesim::mode()
                      QStringLiteral("mode: Night2"));
     }));
     QCOMPARE(bench.router.mode(), QByteArray("Night2"));
-    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-}
-
-void tst_servicesim::largeFirmware()
-{
-    QVERIFY(connectToRouter());
-    verifyUpdateWorks(firmwareImage(100000, 11));
-    QCOMPARE(m_bench->router.firmwarePackets(), 3125);
-}
-
-void tst_servicesim::faults_data()
-{
-    QTest::addColumn<int>("fault");
-    QTest::addColumn<double>("value");
-    QTest::addColumn<QString>("text"); // empty: it goes well all the same
-
-    const QString timeout = QStringLiteral("Error: Firmware update timeout");
-    const auto add = [](const char *name, Fault fault, double value, const QString &text) {
-        QTest::newRow(name) << int(fault) << value << text;
-    };
-    add("refused", Fault::FwRefuse, 0, failure(1));
-    add("wrong number", Fault::FwWrongNumber, 2, failure(-1));
-    add("repeated", Fault::FwRepeat, 2, failure(-1));
-    add("early", Fault::FwEarly, 2, QString());
-    add("late", Fault::FwLate, 300, QString());
-    add("silent from the start", Fault::FwSilentAt, 0, timeout);
-    add("silent at packet 2", Fault::FwSilentAt, 2, timeout);
-    add("silent at the end", Fault::FwSilentAt, 5, timeout);
-    add("error at the end", Fault::FwError, 42, failure(42));
-    add("error at packet 1", Fault::FwErrorAt, 1, failure(7));
-    add("error at the last packet", Fault::FwErrorAt, 4, failure(7));
-    add("wrong checksums", Fault::WrongChecksums, 0, timeout);
-}
-
-void tst_servicesim::faults()
-{
-    QFETCH(int, fault);
-    QFETCH(double, value);
-    QFETCH(QString, text);
-    WindowBench &bench = *m_bench;
-    const QByteArray image = firmwareImage(100);
-    QVERIFY(connectToRouter());
-    bench.router.setFault(Fault(fault), value);
-    if (text.isEmpty()) {
-        verifyUpdateWorks(image);
-        return;
-    }
-    QVERIFY(startUpdate(image));
-    bench.boxes.expect(FirmwareBench::failure(text));
-    QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.isDone(), 8000);
-    bench.router.clearFaults();
-    verifyUpdateWorks(image);
-}
-
-void tst_servicesim::cancelAndAgain_data()
-{
-    QTest::addColumn<QByteArray>("heard");
-
-    QTest::newRow("at once") << QByteArray();
-    QTest::newRow("behind the request") << QByteArray("$VRFWS");
-    QTest::newRow("behind packet 1") << QByteArray("$VRFWP,1,");
-    QTest::newRow("behind packet 3") << QByteArray("$VRFWP,3,");
-    QTest::newRow("behind the end") << QByteArray("$VRFWF");
-}
-
-// As soon as the router has said its last word to the first update.
-void tst_servicesim::cancelAndAgain()
-{
-    QFETCH(QByteArray, heard);
-    WindowBench &bench = *m_bench;
-    bench.router.setFlashDuration(0);
-    QVERIFY(connectToRouter());
-    QVERIFY(startUpdate(firmwareImage(100, 2)));
-    const auto cancel = [&] {
-        bench.window.findChild<QProgressDialog *>()->findChild<QPushButton *>()->click();
-    };
-    bool isCancelled = heard.isEmpty();
-    if (isCancelled)
-        cancel();
-    const auto connection = connect(&bench.router, &tk7sim::RouterSimulator::lineReceived,
-                                    &bench.window, [&](const QByteArray &line) {
-                                        if (isCancelled || !line.startsWith(heard))
-                                            return;
-                                        isCancelled = true;
-                                        cancel();
-                                    });
-    QTRY_VERIFY(isCancelled);
-    disconnect(connection);
-    verifyUpdateWorks(firmwareImage(150, 3));
-}
-
-void tst_servicesim::reconnectsToTheNewVersion()
-{
-    WindowBench &bench = *m_bench;
-    bench.router.setRebootDuration(500);
-    QVERIFY(connectToRouter());
-    verifyUpdateWorks(firmwareImage(200));
-    QTRY_VERIFY(bench.router.isRebooting());
-    QTRY_VERIFY(!bench.router.isRebooting());
-    QVERIFY(connectToRouter());
-    QTRY_COMPARE(bench.find<QLabel>("label_firmware_version")->text(), QStringLiteral("fw: v.3.6"));
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
 

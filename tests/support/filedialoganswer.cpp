@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QLineEdit>
+#include <QSettings>
 
 namespace {
 
@@ -19,6 +20,7 @@ QString describe(const QString &caption, const QStringList &filters, QFileDialog
 FileDialogAnswer::FileDialogAnswer(QObject *parent) : QObject(parent)
 {
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_settings.path());
     m_timer.setInterval(lookInterval);
     connect(&m_timer, &QTimer::timeout, this, &FileDialogAnswer::look);
     m_timer.start();

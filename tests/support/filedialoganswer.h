@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
+#include <QTemporaryDir>
 #include <QTimer>
 
 #include <functional>
@@ -14,6 +15,8 @@
  * The dialogs that a test expects are listed in their order; each is compared in caption, filters
  * and mode first. One that differs, or that nobody expected, is cancelled and kept in report().
  * Only the dialogs of Qt can be answered: the native ones are switched off while an answer lives.
+ * They keep their settings in a file of its own: with one for all programs each would wait for the
+ * others' locks, and a test would change what the user has set.
  */
 class FileDialogAnswer : public QObject
 {
@@ -45,6 +48,7 @@ private:
     void look();
     void answer(QFileDialog *dialog);
 
+    QTemporaryDir m_settings;
     QTimer m_timer;
     QList<Dialog> m_expected;
     int m_answered = 0;
