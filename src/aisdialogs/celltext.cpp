@@ -1,5 +1,6 @@
 #include "aisdialogs/celltext.h"
 
+#include "widgets/screenarea.h"
 #include "widgets/uiscale.h"
 
 #include <QDialog>
@@ -29,8 +30,13 @@ public:
 void scaleTableWindow(QDialog *window, QTableWidget *table)
 {
     const double factor = ui_scale();
-    window->setFixedSize(scaled(window->width(), factor), scaled(window->height(), factor));
+    const QSize whole(scaled(window->width(), factor), scaled(window->height(), factor));
+    const QWidget *opener = window->parentWidget() ? window->parentWidget()->window() : window;
+    const QSize fitted = fittedToScreen(opener, QRect(QPoint(), whole)).size();
+    window->setFixedSize(fitted);
     scaleWidget(table, float(factor));
+    table->setMinimumSize(table->minimumSize() - (whole - fitted));
+    table->resize(table->minimumSize());
 }
 
 QString rangeText(double range)

@@ -37,6 +37,7 @@ MainWindow::MainWindow(QWidget *parent)
     firmware_timer->setTimerType(Qt::PreciseTimer);
 
     ui->setupUi(this);
+    makeScrollable();
     resize(designWidth, designHeight);
     activateWindow();
 

@@ -219,7 +219,9 @@ private:
     void setTexts();
     void applyScale();
     void rememberGeometry();
-    void placeOnScreen(QSize size);
+    void makeScrollable();
+    void placeOnScreen();
+    bool isNarrow() const;
     void setAreaBottoms();
 
     // Connection
@@ -300,7 +302,7 @@ private:
     void AddMonitorLine(const QString &line);
     void UpdateCrsErrorsLabel();
     void fixPanelHeight(int height);
-    void setViewWidths(const SpeedViewWidths &widths);
+    void setViewWidths(const SpeedViewWidths &widths, int delta);
 
     /*! Index of the row whose \a widget is \a object, or -1. */
     template <typename Row, typename Widget>
@@ -363,10 +365,11 @@ private:
     DragFrame *pressed_frame = nullptr;
     QColor unselected_color;
 
-    QSize big_size;              //!< of the window with the panel unfolded
-    QSize small_size;            //!< and folded
-    QSize panel_size;            //!< of the panel as measured at start
-    QSize remembered_panel_size; //!< of the panel when it was folded
+    QSize big_size;                       //!< of the window with the panel unfolded
+    QSize small_size;                     //!< and folded
+    QSize panel_size;                     //!< of the panel as measured at start
+    QSize remembered_panel_size;          //!< of the panel when it was folded
+    QScrollArea *contents_area = nullptr; //!< of the window, all but the panel
     std::array<Column, 3> columns;
     SpeedViewWidths narrow_widths;
 };

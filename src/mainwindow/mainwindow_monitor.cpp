@@ -3,8 +3,10 @@
 #include "mainwindow/statuswidget.h"
 #include "model/viewcode.h"
 #include "ui_mainwindow.h"
+#include "widgets/screenarea.h"
 #include "widgets/uiscale.h"
 
+#include <QLayout>
 #include <QListWidget>
 
 #include <cmath>
@@ -14,11 +16,23 @@ namespace {
 constexpr int maxMonitorRows = 100;
 constexpr int maxCountedErrors = 99999; // counted up from at most, so the count ends at 100000
 constexpr int speedViewWidth = 50;      // design pixels
-constexpr int statusBarMargin = 2;      // pixels that a status bar leaves free at its left
 
 int rounded(int length)
 {
     return int(std::lround(length * ui_scale()));
+}
+
+// Takes the room away that a status bar leaves round its items.
+void dropSpacers(QLayout *layout)
+{
+    for (int i = 0; i < layout->count(); ++i) {
+        QLayoutItem *item = layout->itemAt(i);
+        if (item->spacerItem())
+            item->spacerItem()->changeSize(0, 0);
+        else if (item->layout())
+            dropSpacers(item->layout());
+    }
+    layout->invalidate();
 }
 
 } // namespace
@@ -101,8 +115,9 @@ void MainWindow::UpdateCrsErrorsLabel()
 void MainWindow::fixPanelHeight(int height)
 {
     ui->statusBar->setFixedHeight(height);
-    status_widget->layOut(QSize(width() - statusBarMargin, height));
+    status_widget->layOut(QSize(width(), height), ui->centralWidget->minimumWidth());
     ui->statusBar->reformat();
+    dropSpacers(ui->statusBar->layout()); // the panel is all of the bar
 }
 
 void MainWindow::slotButSmallStatus()
@@ -119,7 +134,7 @@ void MainWindow::slotButSmallStatus()
 
     setMaximumHeight(small_size.height());
     setMinimumHeight(int(topBarHeight * ui_scale()) + strip);
-    setGeometry(place);
+    setGeometry(fittedToScreen(this, place));
 }
 
 void MainWindow::slotButBigStatus()
@@ -135,7 +150,7 @@ void MainWindow::slotButBigStatus()
 
     setMaximumHeight(2 * big_size.height());
     setMinimumHeight(int(topBarHeight * ui_scale()) + panelHeight);
-    setGeometry(place);
+    setGeometry(fittedToScreen(this, place));
 }
 
 void MainWindow::slotButViewSpeed()
@@ -149,7 +164,7 @@ void MainWindow::slotButViewSpeed()
             *width += delta;
         }
     }
-    setViewWidths(widths);
+    setViewWidths(widths, speed_visible ? delta : -delta);
     status_widget->pushButton_view_speed->setIcon(
         QIcon(speed_visible ? QStringLiteral(":/icons/arrow_left.png")
                             : QStringLiteral(":/icons/arrow_right.png")));
@@ -157,15 +172,18 @@ void MainWindow::slotButViewSpeed()
         row.speed_label->setVisible(speed_visible);
 }
 
-void MainWindow::setViewWidths(const SpeedViewWidths &widths)
+void MainWindow::setViewWidths(const SpeedViewWidths &widths, int delta)
 {
-    const int delta = widths.window - width();
     ui->scrollAreaInputPorts->setFixedWidth(widths.area);
     ui->frame_input_ports->setFixedWidth(widths.contents);
     ui->label_input_ports->setFixedWidth(widths.heading);
     ui->frame->setFixedWidth(widths.top_frame);
     status_widget->widen(delta);
-    ui->statusBar->reformat();
-    setFixedWidth(widths.window);
-    resize(widths.window, height());
+    ui->centralWidget->setMinimumWidth(widths.window);
+    const QRect place =
+        fittedToScreen(this, QRect(geometry().topLeft(), QSize(widths.window, height())));
+    setFixedWidth(place.width());
+    setGeometry(place);
+    fixPanelHeight(ui->statusBar->maximumHeight());
+    setAreaBottoms();
 }

@@ -2,17 +2,12 @@
 #include "mainwindow/mainwindow.h"
 #include "mainwindow/statuswidget.h"
 #include "ui_mainwindow.h"
+#include "widgets/screenarea.h"
 #include "widgets/uiscale.h"
 
-#include <QGuiApplication>
-#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QStyle>
-
-namespace {
-
-constexpr int screenMargin = 10; // left free when the screen is lower than the window
-
-} // namespace
 
 void MainWindow::slotRescanPorts()
 {
@@ -43,10 +38,23 @@ void MainWindow::applyScale()
     big_size = QSize(width, matrixHeight + panelHeight);
     small_size = QSize(width, matrixHeight + scaled(stripHeight, factor));
 
-    setFixedWidth(width);
     setMinimumHeight(int(topBarHeight * factor + panelHeight));
     rememberGeometry();
-    placeOnScreen(big_size);
+    placeOnScreen();
+}
+
+// On a screen that is narrower than the window its contents scroll, and the panel with them.
+void MainWindow::makeScrollable()
+{
+    contents_area = new QScrollArea(this);
+    contents_area->setFrameShape(QFrame::NoFrame);
+    contents_area->setFocusPolicy(Qt::NoFocus);
+    contents_area->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    contents_area->setWidgetResizable(true);
+    contents_area->setWidget(takeCentralWidget());
+    setCentralWidget(contents_area);
+    connect(contents_area->horizontalScrollBar(), &QScrollBar::valueChanged, status_widget,
+            &statusWidget::scrollTo);
 }
 
 // The places that the panel's two sizes, the speed view and the columns of a low window start from.
@@ -62,6 +70,10 @@ void MainWindow::rememberGeometry()
         columns[i] = {areas[i], QRect(areas[i]->pos(), areas[i]->minimumSize())};
         areas[i]->setMinimumHeight(0);
     }
+    contents_area->setMinimumSize(0, 0);
+    // The bar is as wide as the window, not as the panel and the room that a status bar wants
+    // beside it.
+    ui->statusBar->setMinimumWidth(1);
     narrow_widths = {big_size.width(), ui->scrollAreaInputPorts->minimumWidth(),
                      ui->frame_input_ports->minimumWidth(), ui->label_input_ports->minimumWidth(),
                      ui->frame->minimumWidth()};
@@ -69,36 +81,33 @@ void MainWindow::rememberGeometry()
     panel_size = status_widget->frameSize();
     remembered_panel_size = panel_size;
     status_widget->rememberDistances();
+    ui->centralWidget->setMinimumWidth(narrow_widths.window);
     fixPanelHeight(panel_size.height());
 }
 
-void MainWindow::placeOnScreen(QSize size)
+void MainWindow::placeOnScreen()
 {
-    const QScreen *screen = QGuiApplication::primaryScreen();
-    const QRect available = screen ? screen->availableGeometry() : QRect(QPoint(), size);
+    const QRect area = availableArea(this);
+    QRect place = fittedTo(area, QRect(area.topLeft(), big_size), frameOf(this));
+    // The title bar lies above the rectangle: both together stand in the middle.
     const int titleBar = style()->pixelMetric(QStyle::PM_TitleBarHeight);
-
-    QRect place(QPoint(), size);
-    if (place.height() >= available.height() - titleBar - screenMargin + 1)
-        place.setHeight(available.height() - titleBar - screenMargin);
-    if (place.width() > available.width())
-        place.setWidth(available.width());
-
-    const int freeWidth = available.width() - place.width();
-    const int freeHeight = available.height() - (place.height() + titleBar);
-    if (freeWidth > 0)
-        place.moveLeft(freeWidth / 2);
-    if (freeHeight != 0)
-        place.moveTop(freeHeight / 2);
+    place.moveTopLeft(area.topLeft()
+                      + QPoint((area.width() - place.width()) / 2,
+                               (area.height() - place.height() + titleBar) / 2));
+    setFixedWidth(place.width());
     setGeometry(place);
+}
+
+bool MainWindow::isNarrow() const
+{
+    return width() < ui->centralWidget->minimumWidth();
 }
 
 void MainWindow::resizeEvent(QResizeEvent *event)
 {
-    if (status_widget->isBig()) {
-        const int excess = qMax(0, height() - big_size.height());
-        fixPanelHeight(panel_size.height() + excess);
-    }
+    const int excess = qMax(0, height() - big_size.height());
+    fixPanelHeight(status_widget->isBig() ? panel_size.height() + excess
+                                          : ui->statusBar->maximumHeight());
     setAreaBottoms();
     QMainWindow::resizeEvent(event);
 }
@@ -106,7 +115,9 @@ void MainWindow::resizeEvent(QResizeEvent *event)
 // In a window that is too low for the matrix the columns end above the status bar and scroll.
 void MainWindow::setAreaBottoms()
 {
-    const int barTop = height() - ui->statusBar->maximumHeight();
+    int barTop = height() - ui->statusBar->maximumHeight();
+    if (isNarrow())
+        barTop -= contents_area->horizontalScrollBar()->sizeHint().height();
     for (const Column &column : columns) {
         if (!column.area)
             continue;

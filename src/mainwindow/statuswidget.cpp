@@ -91,10 +91,10 @@ void statusWidget::unfold(int stripHeight)
     ui->frame_nmea_output->resize(ui->frame_nmea_output->width(), stripHeight);
 }
 
-void statusWidget::layOut(QSize size)
+void statusWidget::layOut(QSize size, int contentsWidth)
 {
     setFixedSize(size);
-    ui->frame_nmea_output->resize(size);
+    ui->frame_nmea_output->resize(qMax(size.width(), contentsWidth), size.height());
     if (!big)
         return;
     const int legendTop = size.height() - legend_to_bottom;
@@ -103,6 +103,11 @@ void statusWidget::layOut(QSize size)
         widget->move(widget->x(), legendTop);
     const int listHeight = legendTop - list_to_legend - ui->listWidget->y();
     ui->listWidget->resize(ui->listWidget->width(), qMax(0, listHeight));
+}
+
+void statusWidget::scrollTo(int left)
+{
+    ui->frame_nmea_output->move(-left, 0);
 }
 
 void statusWidget::widen(int delta)

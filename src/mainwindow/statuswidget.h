@@ -43,8 +43,14 @@ public:
     void fold(int stripHeight);
     void unfold(int stripHeight);
 
-    /*! Gives panel and contents the size \a size of the status bar. */
-    void layOut(QSize size);
+    /*!
+     * Gives the panel the size \a size of the status bar, and the contents too, at least as wide as
+     * \a contentsWidth.
+     */
+    void layOut(QSize size, int contentsWidth);
+
+    /*! Shows the contents from \a left on. */
+    void scrollTo(int left);
 
     /*! Adds \a delta to the widths; a negative \a delta brings the former widths back. */
     void widen(int delta);

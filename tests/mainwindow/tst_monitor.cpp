@@ -17,6 +17,9 @@ private slots:
     void firstState();
     void form_data();
     void form();
+    void alignments_data();
+    void alignments();
+    void versionOnlyWhileConnected();
 
     void viewTexts_data();
     void viewTexts();
@@ -30,15 +33,21 @@ private slots:
     void fiveTimesASecond();
     void pauseThrowsAway();
     void viewUnpauses();
+    void clickWhilePausedPlays_data();
+    void clickWhilePausedPlays();
     void endOfTheConnectionEmptiesTheList();
 
     void badChecksums();
     void checksumCountStops();
+    void labelOfTheCountHidesAgain();
 
     void everyOrderEndsWhereItBegan_data();
     void everyOrderEndsWhereItBegan();
+    void panelIsAllOfTheBar_data();
+    void panelIsAllOfTheBar();
     void foldedPanel();
     void speedView();
+    void speedViewOfAWidenedWindow();
     void tallWindowGivesThePanelTheRest();
 
     void floodIsHarmless();
@@ -118,6 +127,10 @@ void tst_monitor::firstState()
     QVERIFY(isSameIcon(bench.find<QPushButton>("pushButton_view_big"), ":/icons/arrow_down.png"));
     QVERIFY(
         isSameIcon(bench.find<QPushButton>("pushButton_view_speed"), ":/icons/arrow_right.png"));
+    for (const char *name : {"pushButton_play", "pushButton_view_small", "pushButton_view_big",
+                             "pushButton_view_speed"}) {
+        QCOMPARE(bench.find<QPushButton>(QString::fromLatin1(name))->iconSize(), QSize(24, 24));
+    }
     QCOMPARE(list(bench)->editTriggers(), QAbstractItemView::NoEditTriggers);
     QCOMPARE(list(bench)->selectionMode(), QAbstractItemView::NoSelection);
     QCOMPARE(list(bench)->horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
@@ -162,6 +175,42 @@ void tst_monitor::form()
         QCOMPARE(widget->geometry(), place);
     if (!text.isNull())
         QCOMPARE(widget->property("text").toString(), text);
+}
+
+void tst_monitor::alignments_data()
+{
+    QTest::addColumn<bool>("centred");
+    for (const char *name : {"label", "label_receive_port", "label_rs422", "label_rs232",
+                             "label_view", "labelCrsLabel", "labelCrsErrorsCount"})
+        QTest::newRow(name) << false;
+    QTest::newRow("label_lock") << true;
+    QTest::newRow("label_website") << true;
+}
+
+void tst_monitor::alignments()
+{
+    QFETCH(bool, centred);
+    WindowBench bench;
+    const auto *label = bench.find<QLabel>(QString::fromLatin1(QTest::currentDataTag()));
+    QCOMPARE(label->alignment(),
+             centred ? Qt::Alignment(Qt::AlignCenter) : Qt::AlignLeft | Qt::AlignVCenter);
+}
+
+void tst_monitor::versionOnlyWhileConnected()
+{
+    WindowBench bench;
+    const auto *label = bench.find<QLabel>("label_firmware_version");
+    bench.window.slotVRVersion(9, 81);
+    QCOMPARE(label->text(), QString());
+    QVERIFY(bench.connectToRouter());
+    bench.window.slotVRVersion(10, 2);
+    QCOMPARE(label->text(), QStringLiteral("fw: v.10.2"));
+    bench.boxes.expect(
+        WindowBench::linkBox(QStringLiteral("TK-7 Router Busy another Control programm")));
+    bench.router.sendLine("$VRCNB\r\n");
+    QTRY_VERIFY(!bench.window.isConnected());
+    bench.window.slotVRVersion(9, 81);
+    QCOMPARE(label->text(), QString());
 }
 
 void tst_monitor::viewTexts_data()
@@ -352,6 +401,33 @@ void tst_monitor::viewUnpauses()
     QVERIFY(isSameIcon(play, ":/icons/player_pause.png"));
 }
 
+void tst_monitor::clickWhilePausedPlays_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("output port") << "pushButton_output_port_4"
+                                 << "OUTPUT PORT 4";
+    QTest::newRow("channel") << "pushButton_channel_6"
+                             << "OUTPUT PORT 0 - CHANNEL 6";
+}
+
+// The click asks the router, and its answer sets the monitor going.
+void tst_monitor::clickWhilePausedPlays()
+{
+    QFETCH(QString, button);
+    QFETCH(QString, shown);
+    WindowBench bench;
+    QVERIFY(bench.connectToRouter());
+    auto *play = bench.find<QPushButton>("pushButton_play");
+    play->click();
+    QVERIFY(isSameIcon(play, ":/icons/player_play.png"));
+    bench.find<QPushButton>(button)->click();
+    QVERIFY(isSameIcon(play, ":/icons/player_play.png"));
+    QTRY_COMPARE(bench.find<QLabel>("label_receive_port")->text(), shown);
+    QVERIFY(isSameIcon(play, ":/icons/player_pause.png"));
+    QTRY_VERIFY(rows(bench).contains(QStringLiteral("---- %1 ----").arg(shown)));
+}
+
 void tst_monitor::endOfTheConnectionEmptiesTheList()
 {
     WindowBench bench;
@@ -396,6 +472,24 @@ void tst_monitor::checksumCountStops()
     QCOMPARE(count->text(), QStringLiteral("100000"));
     bench.window.slotCRSError();
     QCOMPARE(count->text(), QStringLiteral("100000"));
+}
+
+// The next connection counts anew.
+void tst_monitor::labelOfTheCountHidesAgain()
+{
+    WindowBench bench;
+    QVERIFY(bench.connectToRouter());
+    const auto *count = bench.find<QLabel>("labelCrsErrorsCount");
+    const auto *label = bench.find<QLabel>("labelCrsLabel");
+    bench.router.sendLine("$GPGGA,1*00\r\n");
+    QTRY_VERIFY(label->isVisible() && count->isVisible());
+    bench.boxes.expect(
+        WindowBench::linkBox(QStringLiteral("TK-7 Router Busy another Control programm")));
+    bench.router.sendLine("$VRCNB\r\n");
+    QTRY_VERIFY(!bench.window.isConnected());
+    QVERIFY(!count->isVisible() && !label->isVisible());
+    QCOMPARE(count->text(), QString());
+    QCOMPARE(count->styleSheet(), QStringLiteral("QLabel{color: default}"));
 }
 
 void tst_monitor::everyOrderEndsWhereItBegan_data()
@@ -450,6 +544,47 @@ void tst_monitor::everyOrderEndsWhereItBegan()
         if (wide)
             step(false);
         QCOMPARE(looksAsBefore(), QString());
+    }
+}
+
+void tst_monitor::panelIsAllOfTheBar_data()
+{
+    QTest::addColumn<int>("height");
+    QTest::addColumn<bool>("folded");
+    QTest::addColumn<bool>("wide");
+    for (const int height : {244, 600, 797, 900}) {
+        for (const bool folded : {false, true}) {
+            for (const bool wide : {false, true}) {
+                QTest::addRow("%d%s%s", height, folded ? ", folded" : "", wide ? ", wide" : "")
+                    << height << folded << wide;
+            }
+        }
+    }
+}
+
+// No pixel of the panel lies outside the bar, nor one of its contents outside the panel.
+void tst_monitor::panelIsAllOfTheBar()
+{
+    QFETCH(int, height);
+    QFETCH(bool, folded);
+    QFETCH(bool, wide);
+    MainWindow window;
+    window.show();
+    window.resize(window.width(), height);
+    if (folded)
+        window.slotButSmallStatus();
+    if (wide)
+        window.slotButViewSpeed();
+    QCoreApplication::processEvents();
+    const auto *bar = window.findChild<QStatusBar *>();
+    const auto *panel = window.findChild<QWidget *>(QStringLiteral("frame_nmea_output"));
+    QCOMPARE(bar->width(), window.width());
+    QCOMPARE(panel->parentWidget()->geometry(), bar->rect());
+    QCOMPARE(panel->geometry(), bar->rect());
+    const auto contents = panel->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly);
+    for (const QWidget *widget : contents) {
+        if (widget->isVisible())
+            QVERIFY2(panel->rect().contains(widget->geometry()), qPrintable(widget->objectName()));
     }
 }
 
@@ -520,6 +655,31 @@ void tst_monitor::speedView()
         QCOMPARE(bench.find<QWidget>(widget.name)->width(), widget.width);
     for (const QLabel *label : labels)
         QVERIFY(!label->isVisible());
+}
+
+// A window manager need not care for the fixed width. The contents gain and lose what the speeds
+// need, whatever the window has.
+void tst_monitor::speedViewOfAWidenedWindow()
+{
+    WindowBench bench;
+    const auto widen = [&bench] {
+        bench.window.setMaximumWidth(1000);
+        bench.window.resize(1000, bench.window.height());
+        QCoreApplication::processEvents();
+        QCOMPARE(bench.window.width(), 1000);
+    };
+    const auto *list = bench.find<QWidget>("listWidget");
+    const auto *line = bench.find<QWidget>("line");
+    widen();
+    QCOMPARE(bench.find<QWidget>("frame_nmea_output")->width(), 1000);
+    bench.window.slotButViewSpeed();
+    QCOMPARE(list->width(), 893);
+    QCOMPARE(line->width(), 900);
+    widen();
+    bench.window.slotButViewSpeed();
+    QCOMPARE(list->width(), 843);
+    QCOMPARE(line->width(), 850);
+    QCOMPARE(bench.window.width(), 853);
 }
 
 void tst_monitor::tallWindowGivesThePanelTheRest()

@@ -1,6 +1,7 @@
 #include "mainwindow/mainwindow.h"
 #include "platform/serialports.h"
 #include "support/formcheck.h"
+#include "widgets/screenarea.h"
 #include "widgets/uiscale.h"
 
 #include <QApplication>
@@ -188,7 +189,7 @@ void tst_shell::windowSizes()
     QCOMPARE(window.maximumWidth(), width);
     QCOMPARE(window.minimumHeight(), int(47 * m_scale + panel));
 
-    const QRect available = QGuiApplication::primaryScreen()->availableGeometry();
+    const QRect available = availableArea(&window);
     const int titleBar = window.style()->pixelMetric(QStyle::PM_TitleBarHeight);
     const int full = cut(600, m_scale) + panel;
     const bool isLow = full >= available.height() - titleBar - 9;
