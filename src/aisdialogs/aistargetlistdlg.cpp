@@ -7,6 +7,7 @@
 #include "ui_aistargetlistdlg.h"
 
 #include <QResizeEvent>
+#include <QShortcut>
 
 #include <cmath>
 #include <limits>
@@ -142,6 +143,10 @@ AisTargetListDlg::AisTargetListDlg(QWidget *parent)
     elideTitles(table);
     table->sortByColumn(rangeColumn, Qt::AscendingOrder);
     connect(table, &QTableWidget::cellDoubleClicked, this, &AisTargetListDlg::showTarget);
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        auto *open = new QShortcut(key, table, nullptr, nullptr, Qt::WidgetShortcut);
+        connect(open, &QShortcut::activated, this, &AisTargetListDlg::showCurrentTarget);
+    }
 }
 
 AisTargetListDlg::~AisTargetListDlg() = default;
@@ -303,6 +308,11 @@ int AisTargetListDlg::rowOf(uint mmsi) const
 bool AisTargetListDlg::isInfoOf(const QAisTarget *target) const
 {
     return target && m_info && m_info->target() == target;
+}
+
+void AisTargetListDlg::showCurrentTarget()
+{
+    showTarget(ui->ais_list->currentRow());
 }
 
 void AisTargetListDlg::showTarget(int row)

@@ -49,6 +49,7 @@ private:
     int rowOf(uint mmsi) const;
     bool findsItsPlace(int row, const QString &text) const;
     void showTarget(int row);
+    void showCurrentTarget();
     bool isInfoOf(const QAisTarget *target) const;
 
     std::unique_ptr<Ui::AisTargetListDlg> ui;

@@ -58,6 +58,7 @@ MainWindow::MainWindow(QWidget *parent)
     applyScale();
     UpdateCrsErrorsLabel();
     setTexts();
+    setAccessibleNames();
 }
 
 MainWindow::~MainWindow()
@@ -107,6 +108,7 @@ void MainWindow::fillSpeeds()
     for (const OutputRow &row : output_rows) {
         row.speed->addItems(speeds);
         row.speed->setCurrentIndex(defaultSpeedIndex);
+        row.speed->installEventFilter(this);
         QFont font = row.button->font();
         font.setPointSize(portFontSize);
         row.button->setFont(font);
@@ -164,6 +166,46 @@ void MainWindow::setTexts()
         label->setStyleSheet(MatrixStyle::orangeText);
     for (QLabel *label : {ui->label_cur_ch_out, ui->label_output_ports})
         label->setStyleSheet(MatrixStyle::blueText);
+}
+
+// For screen readers: what shows no text, or one that only the eye can tell whose it is. What is
+// there once has its name in the form.
+void MainWindow::setAccessibleNames()
+{
+    for (int i = 0; i < OutputPortCount; ++i) {
+        // Some systems give a combo box its text for a name.
+        const QString text = tr("Speed of output port %1").arg(i);
+        output_rows[size_t(i)].speed->setAccessibleName(text);
+        output_rows[size_t(i)].speed->setAccessibleDescription(text);
+    }
+    for (int i = 0; i < ChannelCount; ++i) {
+        const ChannelRow &row = channel_rows[size_t(i)];
+        row.view->setAccessibleName(tr("Channel %1").arg(i));
+        row.filter->setAccessibleName(tr("Filter of channel %1").arg(i));
+        row.filter_set->setAccessibleName(tr("Set filter of channel %1").arg(i));
+        row.crs->setAccessibleName(tr("Checksum of channel %1").arg(i));
+        row.smart->setAccessibleName(tr("Smart function of channel %1").arg(i));
+        row.hdr->setAccessibleName(tr("Header of channel %1").arg(i));
+        row.hdr_text->setAccessibleName(tr("Header text of channel %1").arg(i));
+        row.hdr_set->setAccessibleName(tr("Set header of channel %1").arg(i));
+        main_frames[size_t(i)]->setAccessibleName(tr("Main input of channel %1").arg(i));
+        reserve_frames[size_t(i)]->setAccessibleName(tr("Reserve input of channel %1").arg(i));
+    }
+    for (int i = 0; i < InputPortCount; ++i) {
+        input_frames[size_t(i)]->setAccessibleName(tr("Input port %1").arg(i));
+        // Its name is the text, the speed itself.
+        input_rows[size_t(i)].speed_label->setAccessibleDescription(
+            tr("Speed of input port %1").arg(i));
+    }
+    nameSwitches();
+}
+
+void MainWindow::nameSwitches()
+{
+    status_widget->pushButton_play->setAccessibleName(play_enabled ? tr("Pause") : tr("Play"));
+    status_widget->pushButton_view_speed->setAccessibleName(
+        speed_visible ? tr("Hide the speeds of the input ports")
+                      : tr("Show the speeds of the input ports"));
 }
 
 void MainWindow::send(const QString &sentence)

@@ -158,6 +158,7 @@ public slots:
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     static constexpr int topBarHeight = 47; //!< design pixels that a low window keeps
@@ -217,6 +218,8 @@ private:
     void makeMatrix();
     DragFrame *makeDragFrame(QWidget *parent, QPoint position);
     void setTexts();
+    void setAccessibleNames();
+    void nameSwitches();
     void applyScale();
     void rememberGeometry();
     void makeScrollable();

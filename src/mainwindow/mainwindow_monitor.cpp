@@ -78,6 +78,7 @@ void MainWindow::setPlay(bool play)
     status_widget->pushButton_play->setIcon(QIcon(play
                                                       ? QStringLiteral(":/icons/player_pause.png")
                                                       : QStringLiteral(":/icons/player_play.png")));
+    nameSwitches();
 }
 
 void MainWindow::slotVRPortView(quint8 port)
@@ -168,6 +169,7 @@ void MainWindow::slotButViewSpeed()
     status_widget->pushButton_view_speed->setIcon(
         QIcon(speed_visible ? QStringLiteral(":/icons/arrow_left.png")
                             : QStringLiteral(":/icons/arrow_right.png")));
+    nameSwitches();
     for (const InputRow &row : input_rows)
         row.speed_label->setVisible(speed_visible);
 }

@@ -5,6 +5,7 @@
 #include "widgets/qmlineedit.h"
 #include "widgets/qmpushbutton.h"
 
+#include <QEvent>
 #include <QLabel>
 
 #include <algorithm>
@@ -42,6 +43,17 @@ void MainWindow::slotPortSpeedChanged(QString str)
     model.output_ports[size_t(port)].speed = speed;
     input_rows[size_t(port)].speed_label->setText(QString::number(speed));
     send(MakeSpeedSentence(port, speed));
+}
+
+// A wheel that only passes over a speed must not change it: it scrolls the column.
+bool MainWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Wheel && rowOf(output_rows, &OutputRow::speed, watched) >= 0
+        && !static_cast<QWidget *>(watched)->hasFocus()) {
+        event->ignore();
+        return true;
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 QMLineEdit *MainWindow::openNameEditor(QWidget *place, const QString &name,

@@ -52,6 +52,9 @@ private slots:
     void doubleClickShowsTheTarget();
     void eachOpeningRefreshes();
     void doubleClickOnARowJustGone();
+    void returnShowsTheTarget_data();
+    void returnShowsTheTarget();
+    void returnWithoutARow();
     void oneInformationWindow();
     void informationFollows();
     void doubleClickWithoutATarget_data();
@@ -597,6 +600,37 @@ void tst_aistargetlistdlg::doubleClickOnARowJustGone()
     QVERIFY(!info());
     emit table()->cellDoubleClicked(-1, 0);
     QVERIFY(!info());
+}
+
+void tst_aistargetlistdlg::returnShowsTheTarget_data()
+{
+    QTest::addColumn<Qt::Key>("key");
+    QTest::newRow("Return") << Qt::Key_Return;
+    QTest::newRow("Enter") << Qt::Key_Enter;
+}
+
+void tst_aistargetlistdlg::returnShowsTheTarget()
+{
+    QFETCH(Qt::Key, key);
+    hear(AisTalk::northOf(11, 10));
+    hear(AisTalk::northOf(12, 12));
+    settle();
+    table()->setFocus();
+    table()->setCurrentCell(rowOf(12), 1);
+    QTest::keyClick(table(), key);
+    QVERIFY(info());
+    QVERIFY(info()->isVisible());
+    QCOMPARE(info()->target(), m_ais->findTarget(12));
+    QVERIFY(m_list->isVisible());
+}
+
+void tst_aistargetlistdlg::returnWithoutARow()
+{
+    settle();
+    table()->setFocus();
+    QTest::keyClick(table(), Qt::Key_Return);
+    QVERIFY(!info());
+    QVERIFY(m_list->isVisible());
 }
 
 void tst_aistargetlistdlg::oneInformationWindow()

@@ -24,6 +24,7 @@ private slots:
     void shows_data();
     void shows();
     void checksByMouseAndKey();
+    void tabLeavesTheTable();
     void givesMaskAndType_data();
     void givesMaskAndType();
     void emptyList();
@@ -214,6 +215,18 @@ void tst_filterdlg::checksByMouseAndKey()
 
     bench.button("pushButton_ok")->click();
     QCOMPARE(bench.dialog.filterMask(), 0x3U);
+}
+
+void tst_filterdlg::tabLeavesTheTable()
+{
+    Bench bench("RMC GGA GLL");
+    bench.table()->setFocus();
+    QTest::keyClick(bench.table(), Qt::Key_Tab);
+    QCOMPARE(bench.dialog.focusWidget()->objectName(), QStringLiteral("radioButton_whitelist"));
+    QCOMPARE(bench.table()->currentColumn(), 0);
+    bench.table()->setFocus();
+    QTest::keyClick(bench.table(), Qt::Key_Backtab);
+    QCOMPARE(bench.dialog.focusWidget()->objectName(), QStringLiteral("pushButton_del"));
 }
 
 void tst_filterdlg::givesMaskAndType_data()

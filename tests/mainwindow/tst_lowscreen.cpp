@@ -171,7 +171,7 @@ void tst_lowscreen::startValues()
     QFETCH(int, left);
     QFETCH(int, aboveMiddle);
     if (FormCheck::expectedScale() != 1)
-        return; // design pixels
+        QSKIP("the values are those of the design");
     pretendAvailableArea(area);
     const MainWindow window;
     const int titleBar = window.style()->pixelMetric(QStyle::PM_TitleBarHeight);

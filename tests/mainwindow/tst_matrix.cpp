@@ -328,7 +328,7 @@ void TestMatrix::channelButtonsAreARowApart()
         QCOMPARE(button->metaObject()->className(), "QPushButton");
         QCOMPARE(button->geometry(), QRect(8, top + 40 * n, 27, 27));
         QCOMPARE(button->text(), QString::number(n));
-        QCOMPARE(button->focusPolicy(), Qt::NoFocus);
+        QCOMPARE(button->focusPolicy(), Qt::StrongFocus);
         QVERIFY(button->isEnabled());
     }
 }
