@@ -103,7 +103,9 @@ void servicedlg::setFirmwareBuffer(QByteArray *buffer)
 void servicedlg::setVersion(quint32 major, quint32 minor)
 {
     version = {true, major, minor};
-    if (supports(version, RouterFunction::Statistics))
+    // Firmware 3.0 and no other; an older one has no service at all.
+    if (!supports(version, RouterFunction::Service)
+        || supports(version, RouterFunction::Statistics))
         return;
     for (QWidget *widget :
          std::initializer_list<QWidget *>{ui->pushButton_Clear, ui->label_ChipID, ui->tableWidget,
