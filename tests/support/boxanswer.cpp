@@ -2,18 +2,38 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QPushButton>
 
 namespace {
 
 constexpr int lookInterval = 5; // ms
 
-QString describe(const QString &title, const QString &text, QMessageBox::Icon icon,
-                 QMessageBox::StandardButtons buttons)
+QString describe(const BoxAnswer::Box &box)
 {
-    return QStringLiteral("\"%1\": \"%2\", icon %3, buttons %4")
-        .arg(title, text)
-        .arg(int(icon))
-        .arg(int(buttons), 0, 16);
+    QString text = QStringLiteral("\"%1\": \"%2\", icon %3, buttons %4")
+                       .arg(box.title, box.text)
+                       .arg(int(box.icon))
+                       .arg(int(box.buttons), 0, 16);
+    if (box.defaultButton != QMessageBox::NoButton)
+        text += QStringLiteral(", default %1").arg(int(box.defaultButton), 0, 16);
+    if (box.parent)
+        text += QStringLiteral(", parent %1").arg(quintptr(*box.parent), 0, 16);
+    return text;
+}
+
+// What is to be seen of a box, as far as it is looked at in the expected one.
+BoxAnswer::Box seen(const QMessageBox &box, const BoxAnswer::Box &expected)
+{
+    BoxAnswer::Box found;
+    found.title = box.windowTitle();
+    found.text = box.text();
+    found.icon = box.icon();
+    found.buttons = box.standardButtons();
+    if (expected.defaultButton != QMessageBox::NoButton)
+        found.defaultButton = box.standardButton(box.defaultButton());
+    if (expected.parent)
+        found.parent = box.parentWidget();
+    return found;
 }
 
 } // namespace
@@ -34,10 +54,8 @@ BoxAnswer &BoxAnswer::expect(const Box &box)
 QString BoxAnswer::report() const
 {
     QStringList lines = m_problems;
-    for (int i = m_answered; i < m_expected.size(); ++i) {
-        const Box &box = m_expected.at(i);
-        lines += QStringLiteral("missing: ") + describe(box.title, box.text, box.icon, box.buttons);
-    }
+    for (int i = m_answered; i < m_expected.size(); ++i)
+        lines += QStringLiteral("missing: ") + describe(m_expected.at(i));
     return lines.join(QLatin1Char('\n'));
 }
 
@@ -50,15 +68,14 @@ void BoxAnswer::look()
 
 void BoxAnswer::answer(QMessageBox *box)
 {
-    const QString found =
-        describe(box->windowTitle(), box->text(), box->icon(), box->standardButtons());
     if (m_answered == m_expected.size()) {
-        m_problems += QStringLiteral("unexpected: ") + found;
+        m_problems += QStringLiteral("unexpected: ") + describe(seen(*box, Box()));
         box->reject();
         return;
     }
     const Box &expected = m_expected.at(m_answered);
-    const QString wanted = describe(expected.title, expected.text, expected.icon, expected.buttons);
+    const QString found = describe(seen(*box, expected));
+    const QString wanted = describe(expected);
     if (found != wanted) {
         m_problems += QStringLiteral("wanted: ") + wanted + QStringLiteral("\n   got: ") + found;
         box->reject();
@@ -67,6 +84,8 @@ void BoxAnswer::answer(QMessageBox *box)
     ++m_answered;
     if (expected.click == QMessageBox::NoButton) {
         m_leftOpen = box;
+        // A box that is kept may come again, with another message.
+        connect(box, &QDialog::finished, this, [this] { m_leftOpen.clear(); });
         // Not from here: the timer must go on, for the boxes that come meanwhile.
         if (expected.whileOpen)
             QTimer::singleShot(0, box, [box, use = expected.whileOpen] { use(*box); });

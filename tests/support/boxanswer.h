@@ -8,13 +8,15 @@
 #include <QTimer>
 
 #include <functional>
+#include <optional>
 
 /*!
  * Answers modal message boxes as a user would, after a look at the whole box.
  *
  * The boxes that a test expects are listed in their order; each is compared in title, text, icon
- * and buttons and then clicked. A box that differs, or that nobody expected, is closed and kept in
- * problems(), so that a test never hangs in it.
+ * and buttons, in the default button and the parent if they are given, and then clicked. A box that
+ * differs, or that nobody expected, is closed and kept in report(), so that a test never hangs in
+ * it.
  */
 class BoxAnswer : public QObject
 {
@@ -30,6 +32,9 @@ public:
         QMessageBox::StandardButton click = QMessageBox::Ok; //!< NoButton leaves the box open
         /*! Run in the event loop of a box that is left open. */
         std::function<void(QMessageBox &)> whileOpen = nullptr;
+        QMessageBox::StandardButton defaultButton = QMessageBox::NoButton; //!< NoButton: any
+        /*! Compared if there is one; a null pointer stands for a box without a parent. */
+        std::optional<const QWidget *> parent = std::nullopt;
     };
 
     explicit BoxAnswer(QObject *parent = nullptr);
