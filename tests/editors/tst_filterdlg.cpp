@@ -129,10 +129,11 @@ void press(const QDialog &dialog, QDialogButtonBox::StandardButton button)
     dialog.findChild<QDialogButtonBox *>()->button(button)->click();
 }
 
-// Adds a name as a user does; false if no entry dialog came.
+// Adds a name as a user does; false if no entry dialog came. That is nobody's child.
 bool enter(Bench &bench, const QString &name)
 {
     return inDialog<SntDlg>(bench.button("pushButton_add"), [&name](SntDlg &entry) {
+        QVERIFY(!entry.parentWidget());
         entry.findChild<QLineEdit *>()->setText(name);
         press(entry, QDialogButtonBox::Ok);
     });
@@ -140,14 +141,27 @@ bool enter(Bench &bench, const QString &name)
 
 BoxAnswer::Box information(const QString &title, const QString &text)
 {
-    return {title, text, QMessageBox::Information, QMessageBox::Ok, QMessageBox::Ok};
+    return {title, text, QMessageBox::Information};
 }
 
-BoxAnswer::Box deleteQuestion(const QString &name, QMessageBox::StandardButton click)
+// One of the editor's own, and not of the entry dialog.
+BoxAnswer::Box informationOf(const Bench &bench, const QString &title, const QString &text)
 {
-    return {QStringLiteral("NMEA Sentence"),
-            QStringLiteral("Delete '%1' NMEA sentence ?").arg(name), QMessageBox::Question,
-            QMessageBox::Ok | QMessageBox::Cancel, click};
+    BoxAnswer::Box box = information(title, text);
+    box.parent = &bench.dialog;
+    return box;
+}
+
+// No button is made the default, so it is the first that accepts.
+BoxAnswer::Box deleteQuestion(const Bench &bench, const QString &name,
+                              QMessageBox::StandardButton click)
+{
+    BoxAnswer::Box box = {QStringLiteral("NMEA Sentence"),
+                          QStringLiteral("Delete '%1' NMEA sentence ?").arg(name),
+                          QMessageBox::Question, QMessageBox::Ok | QMessageBox::Cancel, click};
+    box.defaultButton = QMessageBox::Ok;
+    box.parent = &bench.dialog;
+    return box;
 }
 
 QString fullList()
@@ -255,6 +269,8 @@ void tst_filterdlg::givesMaskAndType()
     // The mask that it comes with is of a free slot and of one that is unchecked now.
     Bench bench("RMC - - GGA - ZDA " + QString("- ").repeated(25) + "VDM", blackBefore, 0x22);
     bench.setChecked("ZDA", false);
+    // Half checked, as no user can have it, is not checked.
+    bench.table()->item(bench.rowOf("RMC"), 0)->setCheckState(Qt::PartiallyChecked);
     for (const QString &name : qAsConst(checked))
         bench.setChecked(name, true);
     if (!radio.isEmpty())
@@ -360,8 +376,8 @@ void tst_filterdlg::refusesAKnownName()
 {
     QFETCH(QString, typed);
     Bench bench("RMC GGA");
-    bench.boxes.expect(information(QStringLiteral("NMEA Sentence"),
-                                   QStringLiteral("The NMEA sentence GGA already exist.")));
+    bench.boxes.expect(informationOf(bench, QStringLiteral("NMEA Sentence"),
+                                     QStringLiteral("The NMEA sentence GGA already exist.")));
     bool entryWasClosed = false;
     QVERIFY(inDialog<SntDlg>(bench.button("pushButton_add"), [&](SntDlg &entry) {
         entry.findChild<QLineEdit *>()->setText(typed);
@@ -379,8 +395,8 @@ void tst_filterdlg::refusesAKnownName()
 void tst_filterdlg::noSpace()
 {
     Bench bench(fullList());
-    bench.boxes.expect(information(QStringLiteral("Add new sentence"),
-                                   QStringLiteral("Not enough space for the new NMEA sentence")));
+    bench.boxes.expect(informationOf(bench, QStringLiteral("Add new sentence"),
+                                     QStringLiteral("Not enough space for the new NMEA sentence")));
     bench.button("pushButton_add")->click();
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
     QVERIFY(!bench.dialog.listChanged());
@@ -394,8 +410,8 @@ void tst_filterdlg::lastSpace()
     QVERIFY(enter(bench, QStringLiteral("ZZZ")));
     QCOMPARE(bench.list.mask, 0xffffffffU);
     QCOMPARE(bench.list.names[31], QStringLiteral("ZZZ"));
-    bench.boxes.expect(information(QStringLiteral("Add new sentence"),
-                                   QStringLiteral("Not enough space for the new NMEA sentence")));
+    bench.boxes.expect(informationOf(bench, QStringLiteral("Add new sentence"),
+                                     QStringLiteral("Not enough space for the new NMEA sentence")));
     bench.button("pushButton_add")->click();
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
@@ -439,7 +455,7 @@ void tst_filterdlg::reusesTheLowestFreeSlot()
 {
     Bench bench("RMC GGA GLL ZDA");
     for (const char *name : {"GLL", "GGA"}) {
-        bench.boxes.expect(deleteQuestion(QString::fromLatin1(name), QMessageBox::Ok));
+        bench.boxes.expect(deleteQuestion(bench, QString::fromLatin1(name), QMessageBox::Ok));
         bench.table()->setCurrentCell(bench.rowOf(QString::fromLatin1(name)), 0);
         bench.button("pushButton_del")->click();
     }
@@ -461,7 +477,7 @@ void tst_filterdlg::asksForTheSentenceOfTheRow()
     const QList<QPair<QString, uint>> masks = {
         {"RMC", 0x1}, {"GGA", 0x2}, {"ZDA", 0x8}, {"VDM", 0x80000000}};
     for (const auto &row : masks) {
-        bench.boxes.expect(deleteQuestion(row.first, QMessageBox::Cancel));
+        bench.boxes.expect(deleteQuestion(bench, row.first, QMessageBox::Cancel));
         bench.table()->setCurrentCell(bench.rowOf(row.first), 0);
         bench.button("pushButton_del")->click();
         QCOMPARE(asked.size(), 1);
@@ -485,7 +501,7 @@ void tst_filterdlg::deletesAnUnused()
     QFETCH(bool, ok);
     Bench bench("RMC GGA ZDA", false, 0x3);
     bench.boxes.expect(
-        deleteQuestion(QStringLiteral("GGA"), ok ? QMessageBox::Ok : QMessageBox::Cancel));
+        deleteQuestion(bench, QStringLiteral("GGA"), ok ? QMessageBox::Ok : QMessageBox::Cancel));
     bench.button("pushButton_del")->click();
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
     QTEST(namesOf(bench.list), "after");
@@ -512,6 +528,7 @@ void tst_filterdlg::deletesAUsed()
         bench.dialog.setUsedList({QStringLiteral("one place"), QStringLiteral("another")});
     });
     QVERIFY(inDialog<DelSentenceDlg>(bench.button("pushButton_del"), [ok](DelSentenceDlg &ask) {
+        QVERIFY(!ask.parentWidget());
         QCOMPARE(ask.findChild<QTextEdit *>()->toPlainText(),
                  QStringLiteral("one place\nanother\n"));
         QCOMPARE(ask.findChild<QLabel *>(QStringLiteral("label"))->text(),
@@ -558,7 +575,7 @@ void tst_filterdlg::nothingToDelete()
 void tst_filterdlg::deletedRowLeavesNoBit()
 {
     Bench bench("RMC GGA ZDA", true, 0x7);
-    bench.boxes.expect(deleteQuestion(QStringLiteral("GGA"), QMessageBox::Ok));
+    bench.boxes.expect(deleteQuestion(bench, QStringLiteral("GGA"), QMessageBox::Ok));
     bench.button("pushButton_del")->click();
     bench.button("pushButton_ok")->click();
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));

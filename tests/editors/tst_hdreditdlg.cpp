@@ -65,9 +65,11 @@ void tst_hdreditdlg::entry()
     QFETCH(QString, text);
     QFETCH(QString, refusal);
     BoxAnswer boxes;
-    if (!refusal.isEmpty())
-        boxes.expect({QStringLiteral("NMEA Header"), refusal, QMessageBox::Information});
     HdrEditDlg dialog(nullptr);
+    BoxAnswer::Box box = {QStringLiteral("NMEA Header"), refusal, QMessageBox::Information};
+    box.parent = &dialog;
+    if (!refusal.isEmpty())
+        boxes.expect(box);
     dialog.open();
     dialog.findChild<QLineEdit *>()->setText(text);
     press(dialog, QDialogButtonBox::Ok);

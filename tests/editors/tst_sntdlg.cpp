@@ -24,9 +24,11 @@ namespace {
 const QString tooShort = QStringLiteral("The NMEA sentence consist of 3 characters.");
 const QString notLatin = QStringLiteral("The NMEA sentence can consist only Latin characters.");
 
-BoxAnswer::Box box(const QString &text)
+BoxAnswer::Box box(const SntDlg &dialog, const QString &text)
 {
-    return {QStringLiteral("NMEA Sentence"), text, QMessageBox::Information};
+    BoxAnswer::Box expected = {QStringLiteral("NMEA Sentence"), text, QMessageBox::Information};
+    expected.parent = &dialog;
+    return expected;
 }
 
 void press(const SntDlg &dialog, QDialogButtonBox::StandardButton button)
@@ -69,9 +71,9 @@ void tst_sntdlg::entry()
     QFETCH(QString, text);
     QFETCH(QString, refusal);
     BoxAnswer boxes;
-    if (!refusal.isEmpty())
-        boxes.expect(box(refusal));
     SntDlg dialog;
+    if (!refusal.isEmpty())
+        boxes.expect(box(dialog, refusal));
     dialog.open();
     dialog.findChild<QLineEdit *>()->setText(text);
     press(dialog, QDialogButtonBox::Ok);
@@ -93,8 +95,8 @@ void tst_sntdlg::takesNoMoreThanThreeCharacters()
 void tst_sntdlg::refusedThenCorrected()
 {
     BoxAnswer boxes;
-    boxes.expect(box(tooShort)).expect(box(notLatin));
     SntDlg dialog;
+    boxes.expect(box(dialog, tooShort)).expect(box(dialog, notLatin));
     dialog.open();
     auto *field = dialog.findChild<QLineEdit *>();
     for (const char *text : {"zd", "zd4", "zda"}) {
