@@ -41,8 +41,10 @@ void tst_modedlg::modes()
     modeDlg dialog(nullptr);
     dialog.show();
     dialog.findChild<QLineEdit *>()->setText(mode);
+    BoxAnswer::Box box = {QStringLiteral("Mode error"), complaint, QMessageBox::Warning};
+    box.parent = nullptr;
     if (!complaint.isEmpty())
-        boxes.expect({QStringLiteral("Mode error"), complaint, QMessageBox::Warning});
+        boxes.expect(box);
     dialog.findChild<QPushButton *>(QStringLiteral("pushButton_Ok"))->click();
     QCOMPARE(dialog.isVisible(), !complaint.isEmpty());
     QCOMPARE(dialog.mode(), complaint.isEmpty() ? mode : QString());

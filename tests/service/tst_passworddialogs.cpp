@@ -26,7 +26,9 @@ namespace {
 
 BoxAnswer::Box error(const QString &text)
 {
-    return {QStringLiteral("Password error"), text, QMessageBox::Warning};
+    BoxAnswer::Box box = {QStringLiteral("Password error"), text, QMessageBox::Warning};
+    box.parent = nullptr;
+    return box;
 }
 
 const QString tooLong = QStringLiteral("Password can be up to 20 characters long");
