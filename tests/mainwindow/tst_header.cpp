@@ -135,7 +135,12 @@ void tst_header::checked()
     load(6, channel, nullptr);
     m_connected->start(6);
     QCOMPARE(row(channel), plainRow);
-    QVERIFY(enter(box(channel), QString(), QStringLiteral("gp")));
+    QVERIFY(inDialog<HdrEditDlg>(box(channel), [&](HdrEditDlg &dialog) {
+        QVERIFY(record(6, channel).hdr_enabled); // before there is a header
+        QCOMPARE(field(dialog)->text(), QString());
+        field(dialog)->setText(QStringLiteral("gp"));
+        press(dialog, QDialogButtonBox::Ok);
+    }));
     QVERIFY(record(6, channel).hdr_enabled);
     QCOMPARE(record(6, channel).hdr, QStringLiteral("GP"));
     QCOMPARE(row(channel), headerRow("GP"));
@@ -201,6 +206,7 @@ void tst_header::cancelled()
     QVERIFY(inDialog<HdrEditDlg>(button, [&](HdrEditDlg &dialog) {
         QCOMPARE(dialog.parentWidget(), static_cast<QWidget *>(&window()));
         QVERIFY(dialog.isModal());
+        QVERIFY(record(6, 4).hdr_enabled);
         if (typed)
             field(dialog)->setText(QStringLiteral("II"));
         press(dialog, QDialogButtonBox::Cancel);
