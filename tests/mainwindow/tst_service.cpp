@@ -18,6 +18,7 @@ class tst_service : public QObject
     Q_OBJECT
 
 private slots:
+    void needsTheLeftControlKey_data();
     void needsTheLeftControlKey();
     void leftControlKeyByItsEvents();
     void needsAConnection();
@@ -25,6 +26,7 @@ private slots:
     void opensByVersion();
     void functionsByVersion_data();
     void functionsByVersion();
+    void opensWithTheseSentences_data();
     void opensWithTheseSentences();
     void noBoxAtTheOpening_data();
     void noBoxAtTheOpening();
@@ -157,9 +159,22 @@ QString chipLabel(const servicedlg &dialog)
 
 } // namespace
 
+void tst_service::needsTheLeftControlKey_data()
+{
+    QTest::addColumn<QByteArray>("version");
+    QTest::addColumn<bool>("opens"); // with the key
+
+    QTest::newRow("3.5") << QByteArray("3.5") << true;
+    QTest::newRow("2.9") << QByteArray("2.9") << false;
+    QTest::newRow("unknown") << QByteArray() << false;
+}
+
+// Without it no box tells anything either, whatever the router is.
 void tst_service::needsTheLeftControlKey()
 {
-    ScriptedBench bench;
+    QFETCH(QByteArray, version);
+    QFETCH(bool, opens);
+    ScriptedBench bench(version);
     QVERIFY(bench.connectToRouter());
     bench.leftControl = false;
     QVERIFY(!bench.inService([](servicedlg &) {}));
@@ -168,7 +183,10 @@ void tst_service::needsTheLeftControlKey()
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 
     bench.leftControl = true;
-    QVERIFY(bench.inService([](servicedlg &) {}));
+    if (!opens)
+        bench.boxes.expect(version.isEmpty() ? unknownVersion() : oldVersion());
+    QCOMPARE(bench.inService([](servicedlg &) {}), opens);
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
 
 // On a desktop that can't be asked the window has followed the key since it was made.
@@ -267,9 +285,18 @@ void tst_service::functionsByVersion()
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
 
+void tst_service::opensWithTheseSentences_data()
+{
+    QTest::addColumn<QByteArray>("version");
+
+    QTest::newRow("3.5") << QByteArray("3.5");
+    QTest::newRow("3.0, though nothing of the answers can be used") << QByteArray("3.0");
+}
+
 void tst_service::opensWithTheseSentences()
 {
-    ScriptedBench bench;
+    QFETCH(QByteArray, version);
+    ScriptedBench bench(version);
     QVERIFY(bench.connectToRouter());
     QVERIFY(bench.inService([&](servicedlg &dialog) {
         QCOMPARE(dialog.parentWidget(), &bench.window);
