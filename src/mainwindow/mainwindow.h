@@ -325,11 +325,11 @@ private:
 
     NmeaSerialPort *link = nullptr;             //!< of the connection in hand; ends by deleteLater
     ConnectProgress *progress_dialog = nullptr; //!< during the handshake only
-    FilterDlg *filter_dialog = nullptr;         //!< while the filter editor is open
     WaitSaveDlg *wait_save_dialog = nullptr;    //!< while the router saves its rules
     QPointer<QMessageBox>
         message_box; //!< the open box; one that comes while it is open is its child
 
+    QPointer<FilterDlg> filter_dialog;          //!< while the filter editor is open
     QPointer<servicedlg> service_dialog;        //!< while it is open
     QPointer<aistestdlg> ais_test_dialog;       //!< while the AIS test runs
     QPointer<EnterPasswordDlg> password_dialog; //!< the window's own, while it is open

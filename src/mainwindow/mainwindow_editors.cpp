@@ -47,7 +47,6 @@ void MainWindow::slotFilterSetClicked()
     if (dialog.listChanged())
         sendFilterList();
     sendFilters(changed);
-    filter_dialog = nullptr;
 }
 
 // A deleted sentence leaves all filters that are on. One that is off loses its mask with the next

@@ -465,12 +465,15 @@ void tst_filter::usedList()
     QVERIFY(edit(3, 0, QStringLiteral("keep %1: %2, cancel").arg(name, used)));
 }
 
+// Before the first dialog and behind it there is nobody to be told.
 void tst_filter::usedListWithoutADialog()
 {
     load(window(), baseNames, QStringLiteral("3.0=1"));
+    const RouterModel before = model();
     window().slotRequestFilterList(1);
     QVERIFY(edit(3, 0, QStringLiteral("keep ZDA, cancel")));
     window().slotRequestFilterList(1);
+    QVERIFY(model() == before);
 }
 
 // Every complaint of the entry and of the list, through the window; nothing of it reaches the wire.
