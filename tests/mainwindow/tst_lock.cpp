@@ -28,6 +28,7 @@ private slots:
     void panelIsHiddenWithoutAConnection();
     void clickOnTheLabel_data();
     void clickOnTheLabel();
+    void labelNeedsAConnection();
     void labelUnlocks();
     void labelCancels();
     void labelRefusesABadPassword();
@@ -38,10 +39,13 @@ private slots:
 
     void buttons_data();
     void buttons();
+    void withoutAPasswordTheButtonStaysAsItIs();
     void firstPassword();
     void firstPasswordRefused();
     void answerBeforeTheStatus();
     void pendingActionIsForgotten();
+    void changeIsNoFirstPassword();
+    void deletingIsNoFirstPassword();
     void passwordsKeepTheirCase_data();
     void passwordsKeepTheirCase();
     void unlocking();
@@ -50,11 +54,15 @@ private slots:
     void deleting();
     void boxKeepsTheQuestionsButtons();
     void changing();
+    void changingIsForOwners_data();
+    void changingIsForOwners();
     void viewing();
     void cancelledDialogsSendNothing_data();
     void cancelledDialogsSendNothing();
     void statusUnderAnOpenQuestion();
     void statusUnderAnOpenDialog();
+    void statusUnderACancelledDialog();
+    void statusUnderItsOwnBox();
     void passwordsStayOutOfTheOutput();
 
     // The last one: its window stays until the end, and two windows would answer each other's
@@ -255,6 +263,14 @@ void tst_lock::clickOnTheLabel()
     QTRY_COMPARE(bench.commands(), sent);
 }
 
+void tst_lock::labelNeedsAConnection()
+{
+    MainWindow alone;
+    alone.slotVRLockStatus(true, 0);
+    QVERIFY(!inDialog<EnterPasswordDlg>([&] { alone.slotLockClicked(); },
+                                        [](EnterPasswordDlg &enter) { enter.reject(); }));
+}
+
 void tst_lock::labelUnlocks()
 {
     ScriptedBench bench;
@@ -423,6 +439,27 @@ void tst_lock::buttons()
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
 
+// Hidden or not, the end of the password changes its text only.
+void tst_lock::withoutAPasswordTheButtonStaysAsItIs()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, true, 2);
+    bench.boxes.expect(deleted()).expect(unlocked()).expect(deleted());
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        const QPushButton *lock = button(dialog, "pushButton_Lock");
+        setStatus(bench, false, 0);
+        QVERIFY(lock->isVisible());
+        QCOMPARE(lock->text(), QStringLiteral("LOCK"));
+        setStatus(bench, true, 1);
+        QVERIFY(!lock->isVisible());
+        setStatus(bench, false, 0);
+        QVERIFY(!lock->isVisible());
+        QCOMPARE(lock->text(), QStringLiteral("LOCK"));
+    }));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
 void tst_lock::transitions_data()
 {
     QTest::addColumn<bool>("oldPassword");
@@ -577,6 +614,48 @@ void tst_lock::pendingActionIsForgotten()
         setStatus(bench, true, 3);
         QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
     }));
+}
+
+// Locked by others while the new password is being typed: the unlocking that follows is told.
+void tst_lock::changeIsNoFirstPassword()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, true, 2);
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        QVERIFY(inDialog<passwordDlg>(button(dialog, "pushButton_Change_Password"),
+                                      [&](passwordDlg &enter) {
+                                          setStatus(bench, true, 0);
+                                          typeNew(enter, QStringLiteral("Harbour8"));
+                                      }));
+        bench.boxes.expect(unlocked());
+        setStatus(bench, true, 2);
+        QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    }));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+// Locked by others while the question is open.
+void tst_lock::deletingIsNoFirstPassword()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, true, 2);
+    BoxAnswer::Box question = deleteQuestion(QMessageBox::NoButton);
+    question.whileOpen = [&](QMessageBox &box) {
+        setStatus(bench, true, 0);
+        box.button(QMessageBox::Ok)->click();
+    };
+    BoxAnswer::Box told = unlocked();
+    told.buttons = question.buttons;
+    bench.boxes.expect(question).expect(told);
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        button(dialog, "pushButton_Lock")->click();
+        QTRY_COMPARE(bench.commands(), QList<QByteArray>({"$VRPWD\r\n"}));
+        setStatus(bench, true, 2);
+        QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    }));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
 
 void tst_lock::passwordsKeepTheirCase_data()
@@ -739,16 +818,25 @@ void tst_lock::changing()
         QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
         QCOMPARE(bench.commands(), QList<QByteArray>({checkedLine("$VRPWS,Harbour8")}));
     }));
-    // Below the owner's level the slot does nothing, however it is called.
-    for (int level = 0; level <= 1; ++level) {
-        setStatus(bench, true, level);
-        QVERIFY(bench.inService([&](servicedlg &dialog) {
-            bench.forgetHeard();
-            dialog.slotChangePassword();
-            QVERIFY(!dialog.findChild<passwordDlg *>());
-        }));
-    }
-    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+void tst_lock::changingIsForOwners_data()
+{
+    QTest::addColumn<bool>("asks");
+
+    for (int level = 0; level <= 5; ++level)
+        QTest::addRow("%d", level) << (level >= 2);
+}
+
+// However it is called: below the owner's level the button is hidden.
+void tst_lock::changingIsForOwners()
+{
+    QFETCH(bool, asks);
+    servicedlg dialog(nullptr);
+    dialog.setLockStatus(true, quint8(atoi(QTest::currentDataTag())), true);
+    QCOMPARE(inDialog<passwordDlg>([&] { dialog.slotChangePassword(); },
+                                   [](passwordDlg &enter) { enter.reject(); }),
+             asks);
 }
 
 void tst_lock::viewing()
@@ -853,6 +941,49 @@ void tst_lock::statusUnderAnOpenDialog()
                                                typeUnlock(enter, QStringLiteral("Harbour7"));
                                            }));
         QTRY_COMPARE(bench.commands(), QList<QByteArray>({checkedLine("$VRPWU,Harbour7")}));
+    }));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+// The question depends on the level alone, and not on what was answered before.
+void tst_lock::statusUnderACancelledDialog()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, true, 0);
+    bench.boxes.expect(unlocked()).expect(deleteQuestion(QMessageBox::Cancel));
+    QVERIFY(bench.inService([&](servicedlg &dialog) {
+        QVERIFY(inDialog<EnterPasswordDlg>(button(dialog, "pushButton_Lock"),
+                                           [&](EnterPasswordDlg &enter) {
+                                               setStatus(bench, true, 2);
+                                               QTRY_COMPARE(bench.boxes.answered(), 2);
+                                               enter.reject();
+                                           }));
+        bench.waitUntilHeard();
+        QCOMPARE(bench.commands(), QList<QByteArray>());
+    }));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+// Locked and unlocked again under the box that tells of the unlocking: by then it counts as
+// unlocked, so that the first is no wrong password and the second is news.
+void tst_lock::statusUnderItsOwnBox()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    setStatus(bench, true, 0);
+    BoxAnswer::Box box = unlocked();
+    box.click = QMessageBox::NoButton;
+    box.whileOpen = [&](QMessageBox &open) {
+        setStatus(bench, true, 0);
+        setStatus(bench, true, 2);
+        QTRY_COMPARE(bench.boxes.answered(), 3);
+        open.accept();
+    };
+    bench.boxes.expect(box).expect(unlocked());
+    QVERIFY(bench.inService([&](servicedlg &) {
+        bench.say(status(true, 2));
+        QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
     }));
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }

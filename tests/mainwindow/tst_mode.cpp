@@ -23,7 +23,7 @@ private slots:
     void cancelSendsNothing();
     void longModesFitTheirLabel();
     void noAnswerIsAwaited();
-    void changeIsPending();
+    void changeIsNoFirstPassword();
 };
 
 namespace {
@@ -219,8 +219,9 @@ void tst_mode::noAnswerIsAwaited()
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
 
-// A change of the mode is not a first password: an unlocking that follows is told.
-void tst_mode::changeIsPending()
+// A change of the mode is not a first password: locked by others while the mode is being typed, the
+// unlocking that follows is told.
+void tst_mode::changeIsNoFirstPassword()
 {
     ScriptedBench bench("4.0");
     QVERIFY(bench.connectToRouter());
@@ -230,13 +231,14 @@ void tst_mode::changeIsPending()
                                        "Router TK-7 unlocked successfully"),
                         QMessageBox::Information});
     QVERIFY(bench.inService([&](servicedlg &dialog) {
-        setLevel(bench, 4);
-        QVERIFY(inDialog<modeDlg>(button(dialog, "pushButton_Change_Mode"),
-                                  [](modeDlg &window) { enter(window, QStringLiteral("DAY")); }));
-        setLevel(bench, 0);
+        QVERIFY(inDialog<modeDlg>(button(dialog, "pushButton_Change_Mode"), [&](modeDlg &window) {
+            setLevel(bench, 0);
+            enter(window, QStringLiteral("DAY"));
+        }));
         setLevel(bench, 4);
         QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
     }));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
 
 QTEST_MAIN(tst_mode)

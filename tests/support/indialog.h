@@ -6,14 +6,16 @@
 #include <QPointer>
 #include <QTimer>
 
+#include <functional>
+
 /*!
- * Presses \a button and runs \a use, a function of a Dialog &, in the event loop of the modal
- * dialog that this opens.
+ * Calls \a open and runs \a use, a function of a Dialog &, in the event loop of the modal dialog
+ * that this opens.
  *
  * Returns whether a Dialog came and was closed by the end of \a use. One that is still open then,
  * or another dialog, is rejected, so that a test never hangs in it.
  */
-template <typename Dialog, typename Use> bool inDialog(QAbstractButton *button, Use use)
+template <typename Dialog, typename Use> bool inDialog(const std::function<void()> &open, Use use)
 {
     bool done = false;
     const auto run = [&done, &use] {
@@ -29,6 +31,12 @@ template <typename Dialog, typename Use> bool inDialog(QAbstractButton *button, 
     timer.setSingleShot(true);
     QObject::connect(&timer, &QTimer::timeout, &timer, run);
     timer.start(0);
-    button->click();
+    open();
     return done;
+}
+
+/*! The same for the dialog that a press of \a button opens. */
+template <typename Dialog, typename Use> bool inDialog(QAbstractButton *button, Use use)
+{
+    return inDialog<Dialog>([button] { button->click(); }, use);
 }
