@@ -12,6 +12,13 @@ namespace {
 constexpr int packetBytes = 32;
 constexpr int headerBytes = 18;
 
+void closeChildOfTheWindow(QMessageBox &box)
+{
+    const QWidget *parent = box.parentWidget();
+    box.accept();
+    QVERIFY(qobject_cast<const MainWindow *>(parent));
+}
+
 } // namespace
 
 QByteArray firmwareImage(int size, quint32 seed)
@@ -88,7 +95,12 @@ BoxAnswer::Box FirmwareBench::question(const QString &version, QMessageBox::Stan
 
 BoxAnswer::Box FirmwareBench::failure(const QString &text)
 {
-    return {QStringLiteral("Firmware update"), text, QMessageBox::Critical};
+    return {QStringLiteral("Firmware update"),
+            text,
+            QMessageBox::Critical,
+            QMessageBox::Ok,
+            QMessageBox::NoButton,
+            closeChildOfTheWindow};
 }
 
 BoxAnswer::Box FirmwareBench::success(const std::function<void()> &whileOpen)
@@ -97,7 +109,7 @@ BoxAnswer::Box FirmwareBench::success(const std::function<void()> &whileOpen)
         QTRY_VERIFY(firmwareHeard().endsWith("$VRFWW\r\n"));
         if (whileOpen)
             whileOpen();
-        box.accept();
+        closeChildOfTheWindow(box);
     };
     return {QStringLiteral("Firmware update"),
             QStringLiteral("The firmware has been successfully loaded, the router will reboot. "
