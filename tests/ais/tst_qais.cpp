@@ -519,6 +519,14 @@ void tst_QAis::newAndKnownTargets()
     FakeClock clock;
     Decoder decoder;
     PositionReport report;
+    // The message counts, and the range is known, before anybody hears of it.
+    QGpsKrd own;
+    decoder.ais.setOwnPosition(QAis::RouterSource, &own);
+    QList<uint> counts;
+    decoder.journal.onSignal = [&](const QString &) {
+        counts += decoder.ais.messageCount();
+        QVERIFY(decoder.ais.findTarget(mmsi)->m_rangeValid);
+    };
     decoder.take(report.payload());
     QCOMPARE(decoder.journal.take(), QStringList{"add 3 240827000"});
     QCOMPARE(decoder.ais.findTarget(mmsi)->m_lastUpdate, QTime(12, 0));
@@ -528,7 +536,7 @@ void tst_QAis::newAndKnownTargets()
     QCOMPARE(decoder.journal.take(), QStringList{"update 3 240827000"});
     QCOMPARE(decoder.ais.findTarget(mmsi)->m_lastUpdate, QTime(12, 0, 42));
     QCOMPARE(decoder.ais.targetCount(), 1);
-    QCOMPARE(decoder.ais.messageCount(), 2U);
+    QCOMPARE(counts, QList<uint>({1, 2}));
 }
 
 void tst_QAis::targetBornOfVoyageData()
@@ -537,6 +545,8 @@ void tst_QAis::targetBornOfVoyageData()
     Decoder decoder;
     QGpsKrd own;
     decoder.ais.setOwnPosition(QAis::RouterSource, &own);
+    QList<uint> counts;
+    decoder.journal.onSignal = [&](const QString &) { counts += decoder.ais.messageCount(); };
     VoyageData data;
     data.mmsi = mmsi;
     decoder.take(data.payload(), VoyageData::FillBits);
@@ -550,7 +560,7 @@ void tst_QAis::targetBornOfVoyageData()
     decoder.take(data.payload(), VoyageData::FillBits);
     QCOMPARE(decoder.journal.take(), QStringList{"update 3 240827000"});
     QCOMPARE(target->m_lastUpdate, QTime(12, 0, 5));
-    QCOMPARE(decoder.ais.messageCount(), 2U);
+    QCOMPARE(counts, QList<uint>({1, 1, 2}));
     // Its first report brings the range.
     decoder.take(PositionReport().payload());
     QVERIFY(target->m_rangeValid);
@@ -632,8 +642,13 @@ void tst_QAis::ownReportPosition()
 void tst_QAis::ownVoyageData()
 {
     Decoder decoder;
+    quint32 countInSignal = 99;
+    decoder.journal.onSignal = [&](const QString &) {
+        countInSignal = decoder.ais.ownMessageCount();
+    };
     QVERIFY(decoder.takeOwn(VoyageData().payload(), VoyageData::FillBits));
     QCOMPARE(decoder.journal.take(), QStringList{"own 3"});
+    QCOMPARE(countInSignal, 0U);
     QCOMPARE(decoder.ais.ownMessageCount(), 1U);
     QCOMPARE(decoder.ais.messageCount(), 0U);
     QCOMPARE(decoder.ais.targetCount(), 0);

@@ -18,6 +18,24 @@ void takeReport(QAis &ais, quint32 number = mmsi)
     ais.decodeMessage(QAis::TargetMessage, 1, 1, 0, 0, report.payload().constData());
 }
 
+/*! Keeps the intervals of the timers that fire. */
+class TimerWatch : public QObject
+{
+public:
+    TimerWatch() { QCoreApplication::instance()->installEventFilter(this); }
+
+    QSet<int> intervals;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (const auto *timer = qobject_cast<QTimer *>(watched);
+            timer && event->type() == QEvent::Timer)
+            intervals += timer->interval();
+        return false;
+    }
+};
+
 void takeVoyageData(QAis &ais, quint32 number = mmsi)
 {
     VoyageData data;
@@ -235,8 +253,10 @@ void tst_QAis_Ageing::timerTicks()
     QAis ais;
     takeReport(ais);
     clock.advance(300);
+    const TimerWatch watch;
     QSignalSpy gone(&ais, &QAis::signalDeleteTarget);
     QVERIFY(gone.wait(3000));
+    QCOMPARE(watch.intervals, QSet<int>{1000});
     QCOMPARE(ais.targetCount(), 0);
     // And again.
     takeReport(ais);
