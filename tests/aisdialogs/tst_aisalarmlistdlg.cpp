@@ -24,6 +24,7 @@ private slots:
     void writesOnChangeOnly();
     void rightRowThoughItMoves_data();
     void rightRowThoughItMoves();
+    void startsInOrderOfFirstReports();
     void sortSurvivesANewRow();
     void rebuilds();
     void rebuildsAFilledTable();
@@ -192,6 +193,19 @@ void tst_aisalarmlistdlg::rightRowThoughItMoves()
     if (order == Qt::DescendingOrder)
         std::reverse(keys.begin(), keys.end());
     QVERIFY(std::is_sorted(keys.begin(), keys.end()));
+}
+
+// Sorting is on, but nobody has chosen a column yet.
+void tst_aisalarmlistdlg::startsInOrderOfFirstReports()
+{
+    for (const quint8 id : {quint8(2), quint8(3), quint8(1)}) {
+        alarm(id, true, false, text);
+        m_list->showAlarm(id);
+    }
+    QVERIFY(table()->isSortingEnabled());
+    QCOMPARE(column(0), QStringList({"2", "3", "1"}));
+    m_list->rebuild();
+    QCOMPARE(column(0), QStringList({"2", "3", "1"}));
 }
 
 void tst_aisalarmlistdlg::sortSurvivesANewRow()

@@ -53,6 +53,7 @@ private slots:
     void ownPositionGoesToAllPorts();
     void badPositions_data();
     void badPositions();
+    void positionBeyondThePoleCounts();
     void windows_data();
     void windows();
     void windowsAreKept_data();
@@ -524,6 +525,14 @@ void tst_aistestdlg::badPositions()
     m_dialog->slotAISPosition(sentence);
     hear(AisTalk::heard(0, AisTalk::northOf(first, 10)));
     QCOMPARE(cell(Range), QString());
+}
+
+// What can be read is a position, whether or not there is such a place.
+void tst_aistestdlg::positionBeyondThePoleCounts()
+{
+    m_dialog->slotAISPosition(QStringLiteral("$VRAIP,9030.000,N,00000.000,E*00"));
+    hear(AisTalk::heard(0, AisTalk::northOf(first, 5390)));
+    QCOMPARE(cell(Range), QStringLiteral("40.0"));
 }
 
 void tst_aistestdlg::windows_data()

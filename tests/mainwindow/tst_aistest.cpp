@@ -28,7 +28,7 @@ private slots:
     void onBeforeAndOffAfter();
     void isModalToTheWindow();
     void hearsTheRouter();
-    void hearsNothingOnceClosed();
+    void lateSentencesDoNoHarm();
     void startsEmptyEachTime();
     void closesWithItsWindows();
     void linkDies_data();
@@ -192,7 +192,8 @@ void tst_aistest::hearsTheRouter()
     }));
 }
 
-void tst_aistest::hearsNothingOnceClosed()
+// The router talks on until it has heard OFF.
+void tst_aistest::lateSentencesDoNoHarm()
 {
     QVERIFY(inAisTest([&](aistestdlg &) {}));
     say(AisTalk::heard(port, AisTalk::northOf(mmsi, 10)));
