@@ -23,6 +23,8 @@ class tst_filterdlg : public QObject
 private slots:
     void shows_data();
     void shows();
+    void startsAtTheFirstName();
+    void rowsAreWholeInAnyOrder();
     void checksByMouseAndKey();
     void tabLeavesTheTable();
     void givesMaskAndType_data();
@@ -208,6 +210,30 @@ void tst_filterdlg::shows()
     QCOMPARE(bench.dialog.filterType(), black);
     QVERIFY(!bench.dialog.listChanged());
     QCOMPARE(namesOf(bench.list), names == QLatin1String("-") ? QString() : names);
+}
+
+// Before it is shown, when the focus would bring it there anyway.
+void tst_filterdlg::startsAtTheFirstName()
+{
+    SentenceList list = makeList("RMC GGA");
+    FilterDlg dialog(nullptr);
+    dialog.setFilter(&list, false, 0);
+    const auto *table = dialog.findChild<QTableWidget *>();
+    QCOMPARE(table->currentRow(), 0);
+    QCOMPARE(table->currentColumn(), 0);
+    QCOMPARE(dialog.focusWidget(), table);
+}
+
+// The hidden header leaves the order to the names. Were it another, no row would be torn either.
+void tst_filterdlg::rowsAreWholeInAnyOrder()
+{
+    Bench bench("RMC GGA", false, 0x3);
+    bench.table()->sortByColumn(0, Qt::AscendingOrder);
+    bench.dialog.addRow(QStringLiteral("ZDA"), false);
+    bench.dialog.addRow(QStringLiteral("GLL"), true);
+    const QStringList rows = bench.rows();
+    QCOMPARE(QSet<QString>(rows.begin(), rows.end()),
+             QSet<QString>({"GGA+", "RMC+", "ZDA", "GLL+"}));
 }
 
 // A name can't be edited, but its box can be checked.

@@ -18,6 +18,7 @@ private slots:
     void chooses();
     void aisIsOffered_data();
     void aisIsOffered();
+    void firstCheckedCounts();
     void valueIsThereWhenExecReturns();
 
 private:
@@ -140,6 +141,21 @@ void tst_smartdlg::aisIsOffered()
         QTEST(checkedButton(dialog), "button");
     press(dialog, QDialogButtonBox::Ok);
     QCOMPARE(int(dialog.function()), allowed ? 5 : value);
+}
+
+// The buttons exclude each other; if they didn't, the order of the list would decide.
+void tst_smartdlg::firstCheckedCounts()
+{
+    SmartDlg dialog(nullptr);
+    dialog.setFunction(5, true);
+    const auto buttons = dialog.findChildren<QRadioButton *>();
+    for (QRadioButton *button : buttons) {
+        button->setAutoExclusive(false);
+        button->setChecked(button->objectName() != QLatin1String("radioButton_off"));
+    }
+    dialog.open();
+    press(dialog, QDialogButtonBox::Ok);
+    QCOMPARE(int(dialog.function()), 1);
 }
 
 // accepted() of the buttons both ends exec() and stores the value.
