@@ -18,8 +18,6 @@ constexpr int maskDigits = 8;
 constexpr int maxBaud = 115200;
 constexpr int byteBits = 8;
 constexpr int byteMask = 255;
-constexpr int nibbleBits = 4;
-constexpr int nibbleMask = 15;
 
 using Words = std::array<quint16, channelCount>;
 using Masks = std::array<quint32, half>;
@@ -85,8 +83,7 @@ OptionalChange parseRule(const Sentence &sentence)
     for (size_t i = 0; i < words.size(); ++i) {
         const auto at = static_cast<int>(i) * wordDigits;
         const auto word = parseHex(sentence.fields.at(2).mid(at, wordDigits), wordDigits);
-        const int rules = word ? static_cast<int>(*word >> byteBits) : -1;
-        if (!word || !isPortOrNone(rules >> nibbleBits) || !isPortOrNone(rules & nibbleMask)) {
+        if (!word) {
             return std::nullopt;
         }
         words[i] = static_cast<quint16>(*word);

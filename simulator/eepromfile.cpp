@@ -102,11 +102,7 @@ Channel channelFromJson(const QJsonObject &object, Reader *reader)
 {
     Channel channel;
     const auto input = [&](const char *key) {
-        const double value = reader->number(object.value(QLatin1String(key)), noPort);
-        if (!isPortOrNone(static_cast<int>(value))) {
-            reader->fail();
-        }
-        return static_cast<quint8>(value);
+        return static_cast<quint8>(reader->number(object.value(QLatin1String(key)), noPort));
     };
     const auto flag = [&](const char *key) {
         return reader->flag(object.value(QLatin1String(key)));

@@ -238,16 +238,12 @@ bool isPort(int number)
     return number >= 0 && number < portCount;
 }
 
-bool isPortOrNone(int number)
-{
-    return isPort(number) || number == noPort;
-}
-
 bool isViewCode(int code)
 {
     if (code < 0 || code > viewNothing) {
         return false;
     }
+    const auto isPortOrNone = [](int number) { return isPort(number) || number == noPort; };
     return isPortOrNone(code >> nibble) && isPortOrNone(code & nibbleMask);
 }
 

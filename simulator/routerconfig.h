@@ -25,8 +25,8 @@ enum class FilterType : quint8 {
 /*! One slot of an output port, through which it takes the traffic of an input port. */
 struct Channel
 {
-    quint8 mainInput = noPort;    //!< 0 to 11, or noPort
-    quint8 reserveInput = noPort; //!< 0 to 11, or noPort
+    quint8 mainInput = noPort;    //!< 0 to 11, or noPort; 12 to 14 are kept and bring nothing
+    quint8 reserveInput = noPort; //!< the same
     bool filterEnabled = false;
     quint32 filterMask = 0; //!< bit i: slot i of the sentence list belongs to this channel
     FilterType filterType = FilterType::White;
@@ -83,8 +83,6 @@ struct RouterConfig
 
 /*! True for a port number, 0 to 11. */
 bool isPort(int number);
-/*! True for a value that a channel's input may have: a port, or noPort. */
-bool isPortOrNone(int number);
 /*! True for a byte that names something to look at: nothing, a port, or a channel. */
 bool isViewCode(int code);
 

@@ -83,9 +83,9 @@ void MainWindow::setPlay(bool play)
 
 void MainWindow::slotVRPortView(quint8 port)
 {
-    const ViewCode code(port);
-    if (!connected || !code.isValid())
+    if (!connected)
         return;
+    const ViewCode code(port);
     view_code = port;
     const QString text = code.text();
     if (!code.isNone())

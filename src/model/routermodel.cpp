@@ -16,21 +16,15 @@ constexpr quint8 HdrFlag = 0x08;
 
 constexpr int SmartFunctionShift = 4;
 constexpr int ReserveInputShift = 4;
-constexpr quint8 InputMask = 0x0f;
+constexpr quint8 InputMask = 0x0f; // also the greatest number that travels
 
 constexpr const char *DefaultSentenceNames[] = {"RMC", "GGA", "GLL", "ZDA", "VTG", "HDT",
                                                 "HDM", "HDG", "TTM", "VDO", "VDM", "DBT"};
 constexpr quint32 DefaultListMask = 0x00000fff;
 
-bool isInputOrNone(int port)
-{
-    return port < InputPortCount || port == NO_PORT;
-}
-
-// The router would refuse a whole rule for a port that it doesn't have.
 quint8 inputNibble(quint8 input)
 {
-    return isInputPort(input) ? input : NO_PORT;
+    return input <= InputMask ? input : NO_PORT;
 }
 
 quint8 flagIf(bool set, quint8 flag)
@@ -119,13 +113,10 @@ RouterModel::RouterModel() : filter_list_mask(DefaultListMask)
 bool RouterModel::setRule(quint8 port, int channel, quint8 rules, quint8 flags)
 {
     ChannelRecord *record = channelAt(port, channel);
-    const quint8 main = rules & InputMask;
-    const quint8 reserve = rules >> ReserveInputShift;
-    if (!record || !isInputOrNone(main) || !isInputOrNone(reserve))
+    if (!record)
         return false;
-
-    record->main_input = main;
-    record->reserve_input = reserve;
+    record->main_input = rules & InputMask;
+    record->reserve_input = rules >> ReserveInputShift;
     record->crs_enabled = flags & CrsFlag;
     record->filter_enabled = flags & FilterFlag;
     record->filter_type = flags & BlackListFlag ? BlackList : WhiteList;

@@ -20,7 +20,8 @@ constexpr int ChannelCount = 12; //!< input channels of one output port
 /*! No port, in the nibble of a Main or Reserve input. */
 constexpr quint8 NO_PORT = 15;
 
-/*! Whether \a input names an input port. A crafted file can also hold one that no router has. */
+/*! Whether \a input names an input port. A router or a file can also name one that doesn't exist.
+ */
 constexpr bool isInputPort(quint8 input)
 {
     return input < InputPortCount;
@@ -79,7 +80,7 @@ void clearChannelOptions(ChannelRecord &channel);
 
 /*!
  * The channel's inputs as they travel: the reserve input in the high nibble, the main in the low. A
- * number that is no input port travels as NO_PORT.
+ * number that is no nibble, which only a file can bring, travels as NO_PORT.
  */
 quint8 rulesByte(const ChannelRecord &channel);
 
@@ -136,8 +137,8 @@ public:
 
     /*!
      * Sets inputs and options of a channel from \a rules and \a flags, packed as by rulesByte() and
-     * flagsByte(); bit 7 of \a flags is ignored. The channel's mask and header stay as they are. A
-     * rule that names one of the ports 12 to 14, which no router has, is refused as a whole.
+     * flagsByte(); bit 7 of \a flags is ignored. The channel's mask and header stay as they are.
+     * The inputs are kept as they come, also the numbers 12 to 14; isInputPort() guards their use.
      */
     bool setRule(quint8 port, int channel, quint8 rules, quint8 flags);
 

@@ -1,16 +1,5 @@
 #include "model/viewcode.h"
 
-#include "model/routermodel.h"
-
-bool ViewCode::isValid() const
-{
-    if (isNone())
-        return true;
-    if (isInput())
-        return port() < InputPortCount;
-    return port() < OutputPortCount && (isOutput() || channel() < ChannelCount);
-}
-
 QString ViewCode::text() const
 {
     if (isNone())

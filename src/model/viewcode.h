@@ -14,8 +14,8 @@
  * | 16 o + c   | channel c of output port o  |
  *
  * Ports and channels are 0 to 11. The byte can also name ports and channels that no router has, the
- * numbers 12 to 14; isValid() tells. The makers take numbers from 0 to 11, of anything else they
- * keep the low four bits.
+ * numbers 12 to 14; they are shown as they come. The makers take numbers from 0 to 11, of anything
+ * else they keep the low four bits.
  */
 class ViewCode
 {
@@ -42,9 +42,6 @@ public:
 
     /*! The channel that is named, or 15 unless isChannel(). */
     constexpr quint8 channel() const { return isChannel() ? low() : WholePort; }
-
-    /*! Whether the byte names nothing, or a port and channel that the router has. */
-    bool isValid() const;
 
     /*! The heading of the monitor: "OUTPUT PORT 3 - CHANNEL 7" and the like, empty for none(). */
     QString text() const;

@@ -95,6 +95,11 @@ void Trouble::heal()
     });
 }
 
+void Trouble::answerSave()
+{
+    m_router.run([](RouterHost &host) { host.router.sendLine("$VRSRO\r\n"); });
+}
+
 // Small values: what comes late in a session of seconds never comes.
 double Trouble::valueFor(const FaultInfo &info)
 {
@@ -184,7 +189,7 @@ QByteArray Trouble::outOfRangeBody()
     constexpr int greatestByte = 255;
     constexpr int lastSlotRow = 248; // the first of eight slots
     const QByteArray bad = decimal(m_dice.between(portCount, greatestByte));
-    switch (m_dice.below(10)) {
+    switch (m_dice.below(9)) {
     case 0:
         return "$VRSPD," + bad + ",9600";
     case 1:
@@ -192,19 +197,16 @@ QByteArray Trouble::outOfRangeBody()
     case 2:
         return "$VRRUL," + bad + ",W," + QByteArray(48, '0');
     case 3:
-        return "$VRRUL," + decimal(m_dice.below(portCount)) + ",W,"
-            + QByteArray("DEDE").repeated(12);
-    case 4:
         return "$VRFLT," + bad + ",W,0," + QByteArray(48, 'F');
-    case 5:
+    case 4:
         return "$VRFLT," + decimal(m_dice.below(portCount)) + ",W," + bad + ','
             + QByteArray(48, 'F');
-    case 6:
+    case 5:
         return "$VRFLS," + decimal(m_dice.between(filterSlotCount, lastSlotRow))
             + ",AAA,BBB,CCC,DDD,EEE,FFF,GGG,HHH";
-    case 7:
+    case 6:
         return "$VRPNM,O," + decimal(m_dice.between(1, 5)) + ",a,b,c,d,e,f";
-    case 8:
+    case 7:
         return "$VRHDC," + bad + ",W" + QByteArray(",XX").repeated(12);
     default:
         return "$VRSTA," + bad + ",1,2,3,4,5";
@@ -251,8 +253,11 @@ QString Trouble::sayForeignConfig()
     const RouterConfig config = randomConfig(m_dice);
     const Output &output = config.outputs[0];
     QByteArray body = "$VRRUL," + decimal(m_dice.below(portCount)) + ",W,";
+    // Sometimes of inputs that no router has.
+    const bool isOdd = m_dice.chance(20);
     for (const Channel &channel : output.channels)
-        body += hex(channel.rulesByte(), 2) + hex(channel.flagsByte(), 2);
+        body +=
+            isOdd ? QByteArray("DEDE") : hex(channel.rulesByte(), 2) + hex(channel.flagsByte(), 2);
     const bool endsDownload = m_dice.chance(20);
     m_router.run([&](RouterHost &host) {
         host.router.sendChecked(body);

@@ -26,6 +26,8 @@ public:
     void step(bool isPlugged);
     /*! The router is well again, and the cable in. */
     void heal();
+    /*! The router tells at last that it has saved: the tool waits for that and for nothing else. */
+    void answerSave();
     /*! The present faults that keep the tool from connecting or staying connected. */
     bool isDeadly() const;
     static bool isDeadly(tk7sim::Fault fault);

@@ -58,6 +58,11 @@ void checkFields(const RouterModel &model)
     }
 }
 
+void checkInput(quint8 input, int sent)
+{
+    require(sent == (input < 16 ? input : NO_PORT), "an input goes as it is, or as no port");
+}
+
 void checkUpload(const RouterModel &model)
 {
     const QStringList sentences = uploadSentences(model);
@@ -66,10 +71,8 @@ void checkUpload(const RouterModel &model)
         require(sentence.startsWith(QLatin1String("$VR")), "a sentence is one of the router's");
     for (const OutputPortRecord &port : model.output_ports) {
         for (const ChannelRecord &channel : port.channels) {
-            const int main = rulesByte(channel) & 0x0f;
-            const int reserve = rulesByte(channel) >> 4;
-            require(main < InputPortCount || main == NO_PORT, "a rule names a port or none");
-            require(reserve < InputPortCount || reserve == NO_PORT, "a rule names a port or none");
+            checkInput(channel.main_input, rulesByte(channel) & 0x0f);
+            checkInput(channel.reserve_input, rulesByte(channel) >> 4);
         }
     }
 }

@@ -34,6 +34,7 @@ private slots:
     void disconnectInOrder();
     void versionIsAskedAnew();
     void modelOutlivesTheConnection();
+    void inputsOfNoPortAreKept();
     // Last: its window stays open from row to row, and would answer the boxes of others.
     void absurdNumbersChangeNothing_data();
     void absurdNumbersChangeNothing();
@@ -359,14 +360,39 @@ void tst_download::absurdNumbersChangeNothing_data()
     QTest::newRow("list from 32") << QByteArray("$VRFLS,32,AAA,BBB,CCC,DDD,EEE,FFF,GGG,HHH");
     QTest::newRow("list from 99") << QByteArray("$VRFLS,99,AAA,BBB,CCC,DDD,EEE,FFF,GGG,HHH");
     QTest::newRow("list from 240") << QByteArray("$VRFLS,240,AAA,BBB,CCC,DDD,EEE,FFF,GGG,HHH");
-    QTest::newRow("input port 12 in a rule") << "$VRRUL,0,W," + QByteArray("FC00").repeated(12);
-    QTest::newRow("reserve port 14 in a rule") << "$VRRUL,0,W," + QByteArray("E300").repeated(12);
     QTest::newRow("names from 3") << QByteArray("$VRPNM,I,3,a,b,c,d,e,f");
     QTest::newRow("names from nowhere") << QByteArray("$VRPNM,X,0,a,b,c,d,e,f");
     QTest::newRow("speed 1200") << QByteArray("$VRSPD,0,1200");
     QTest::newRow("speed 4294967295") << QByteArray("$VRSPD,0,4294967295");
     QTest::newRow("speed negative") << QByteArray("$VRSPD,0,-1");
     QTest::newRow("speed empty") << QByteArray("$VRSPD,0,");
+}
+
+// What is in the router stays there: the tool sends back what it has heard.
+void tst_download::inputsOfNoPortAreKept()
+{
+    WindowBench bench;
+    QVERIFY(bench.connectToRouter());
+    const QByteArray words = "FC00CF03DE00" + QByteArray("F300").repeated(9);
+    bench.router.sendChecked("$VRRUL,7,W," + words);
+    bench.router.sendChecked("$VRMOD,SEEN");
+    QTRY_COMPARE(bench.find<QLabel>("label_firmware_mode")->text(), QStringLiteral("mode: SEEN"));
+    const auto &channels = bench.window.routerModel().output_ports[7].channels;
+    QCOMPARE(int(channels[0].main_input), 12);
+    QCOMPARE(int(channels[0].reserve_input), 15);
+    QCOMPARE(int(channels[1].main_input), 15);
+    QCOMPARE(int(channels[1].reserve_input), 12);
+    QVERIFY(channels[1].filter_enabled && channels[1].crs_enabled);
+    QCOMPARE(int(channels[2].main_input), 14);
+    QCOMPARE(int(channels[2].reserve_input), 13);
+
+    bench.router.clearTranscript();
+    bench.find<QPushButton>("pushButton_output_port_7")->click();
+    bench.find<QCheckBox>("checkBox_channel_5_crs")->click();
+    const QByteArray sent = QByteArray(words).replace(4 * 5, 4, "F301");
+    QTRY_VERIFY(bench.heard().size() >= 2);
+    QVERIFY2(bench.heard().last().startsWith("$VRRUL,7,W," + sent + '*'),
+             bench.heard().last().constData());
 }
 
 void tst_download::absurdNumbersChangeNothing()

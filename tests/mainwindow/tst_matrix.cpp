@@ -56,11 +56,7 @@ constexpr int outputPort(int view)
 }
 constexpr int channel(int view)
 {
-    return view % 16 < 12 && view / 16 < 12 ? view % 16 : -1;
-}
-constexpr bool exists(int view)
-{
-    return view == 255 || inputPort(view) >= 0 || outputPort(view) >= 0 || channel(view) >= 0;
+    return view % 16 < 12 && view / 16 < 15 ? view % 16 : -1; // whatever port it names
 }
 
 // "3:16 5:32" as a list of pairs.
@@ -706,14 +702,11 @@ void TestMatrix::labelPlaces()
 
 void TestMatrix::viewColors()
 {
-    int shown = 255;
     for (int step = 0; step <= 256; ++step) {
         const int code = step % 256; // all of them, and from nothing back to the first
-        if (exists(code))
-            shown = code;
         window().slotVRPortView(quint8(code));
         const QString message = QStringLiteral("code %1").arg(code);
-        QVERIFY2(viewSheets(connected()->matrix) == viewSheets(shown), qPrintable(message));
+        QVERIFY2(viewSheets(connected()->matrix) == viewSheets(code), qPrintable(message));
     }
 }
 

@@ -195,6 +195,14 @@ void TestRouterModel::rule_data()
     QTest::newRow("0xF3 is Main 3 without a Reserve") << 0xf3 << 0x00 << 3 << 15 << "0";
     QTest::newRow("0x5F is Reserve 5 without a Main") << 0x5f << 0x00 << 15 << 5 << "0";
     QTest::newRow("0xB0 is Main 0 and Reserve 11") << 0xb0 << 0x00 << 0 << 11 << "0";
+    for (const int noSuchPort : {12, 13, 14}) {
+        QTest::addRow("Main %d is kept, though no router has it", noSuchPort)
+            << (0x10 | noSuchPort) << 0x00 << noSuchPort << 1 << "0";
+        QTest::addRow("Reserve %d is kept, though no router has it", noSuchPort)
+            << (noSuchPort << 4 | 0x01) << 0x00 << 1 << noSuchPort << "0";
+    }
+    QTest::newRow("options beside two ports that no router has")
+        << 0xce << 0x13 << 14 << 12 << "cf1";
     QTest::newRow("flag bit 0 is the checksum check") << 0xf0 << 0x01 << 0 << 15 << "c0";
     QTest::newRow("flag bit 1 is the filter") << 0xf0 << 0x02 << 0 << 15 << "f0";
     QTest::newRow("flag bit 2 is the black list") << 0xf0 << 0x04 << 0 << 15 << "b0";
@@ -254,12 +262,6 @@ void TestRouterModel::refusedRule_data()
     QTest::newRow("channel -1") << 0 << -1 << 0x01;
     QTest::newRow("channel far below") << 0 << std::numeric_limits<int>::min() << 0x01;
     QTest::newRow("channel far above") << 0 << std::numeric_limits<int>::max() << 0x01;
-    for (const int noSuchPort : {12, 13, 14}) {
-        QTest::newRow(qPrintable(QStringLiteral("Main %1").arg(noSuchPort)))
-            << 0 << 0 << (0x10 | noSuchPort);
-        QTest::newRow(qPrintable(QStringLiteral("Reserve %1").arg(noSuchPort)))
-            << 0 << 0 << (noSuchPort << 4 | 0x01);
-    }
 }
 
 void TestRouterModel::refusedRule()
@@ -514,9 +516,15 @@ void TestRouterModel::rulesByteOf_data()
     QTest::newRow("Main 3 without a Reserve") << 3 << 15 << 0xf3;
     QTest::newRow("Reserve 5 without a Main") << 15 << 5 << 0x5f;
     QTest::newRow("both") << 10 << 2 << 0x2a;
-    for (const int noSuchPort : {12, 13, 14, 16, 200, 255}) {
-        QTest::addRow("%d is no port as Main", noSuchPort) << noSuchPort << 2 << 0x2f;
-        QTest::addRow("%d is no port as Reserve", noSuchPort) << 2 << noSuchPort << 0xf2;
+    for (const int noSuchPort : {12, 13, 14}) {
+        QTest::addRow("%d goes as it is as Main", noSuchPort)
+            << noSuchPort << 2 << (0x20 | noSuchPort);
+        QTest::addRow("%d goes as it is as Reserve", noSuchPort)
+            << 2 << noSuchPort << (noSuchPort << 4 | 0x02);
+    }
+    for (const int noNibble : {16, 17, 28, 200, 255}) {
+        QTest::addRow("%d is no nibble as Main", noNibble) << noNibble << 2 << 0x2f;
+        QTest::addRow("%d is no nibble as Reserve", noNibble) << 2 << noNibble << 0xf2;
     }
 }
 

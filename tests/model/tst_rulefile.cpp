@@ -444,7 +444,7 @@ void TestRuleFile::foreignInputs()
     QCOMPARE(written(model).toHex(' '), file.toHex(' '));
 }
 
-// A rule with the nibble of a port that the router doesn't have would be refused as a whole.
+// What is a nibble goes as it is; a greater number, which only a file can hold, as no port.
 void TestRuleFile::foreignInputsOnTheWire()
 {
     RouterModel model;
@@ -456,7 +456,7 @@ void TestRuleFile::foreignInputsOnTheWire()
     }
     const QString sentence = MakeRuleSentence(model, 0, false);
     QVERIFY2(sentence.startsWith("$VRRUL,0,W,"
-                                 "7F00FF007F00FF007F00FF007F00FF007F00FF007F00FF00*"),
+                                 "7C00CF007D00DF007E00EF007F00FF007F00FF007F00FF00*"),
              qPrintable(sentence));
 }
 

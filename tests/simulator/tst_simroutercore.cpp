@@ -271,7 +271,7 @@ void TestSimRouterCore::refusedSentenceChangesNothing()
     connectTool();
     const RouterConfig before = m_core->working();
     hearChecked("$VRSPD,12,57600");
-    hearRule('W', 4, "FC00");
+    hearRule('W', 12, "F300");
     QVERIFY(m_core->working() == before);
     QCOMPARE(m_core->complaints().refusedSentences, 2U);
 }
