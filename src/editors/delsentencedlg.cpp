@@ -7,6 +7,7 @@ DelSentenceDlg::DelSentenceDlg(QWidget *parent)
     : QDialog(parent, Qt::WindowTitleHint), ui(std::make_unique<Ui::DelSentenceDlg>())
 {
     ui->setupUi(this);
+    ui->label->setTextFormat(Qt::PlainText);
     connect(ui->buttonBox, &QDialogButtonBox::accepted, this, &DelSentenceDlg::accept);
     connect(ui->buttonBox, &QDialogButtonBox::rejected, this, &DelSentenceDlg::reject);
 

@@ -4,9 +4,8 @@
 #include "editors/sentencelist.h"
 #include "editors/sntdlg.h"
 #include "ui_filterdlg.h"
+#include "widgets/plainbox.h"
 #include "widgets/uiscale.h"
-
-#include <QMessageBox>
 
 namespace {
 
@@ -111,8 +110,8 @@ void FilterDlg::slotButAddClicked()
 {
     const int slot = sentences->freeSlot();
     if (slot < 0) {
-        QMessageBox::information(this, tr("Add new sentence"),
-                                 tr("Not enough space for the new NMEA sentence"));
+        showPlainBox(this, QMessageBox::Information, tr("Add new sentence"),
+                     tr("Not enough space for the new NMEA sentence"));
         return;
     }
     SntDlg dialog;
@@ -120,8 +119,8 @@ void FilterDlg::slotButAddClicked()
         return;
     const QString name = dialog.sentence();
     if (sentences->slotOf(name) >= 0) {
-        QMessageBox::information(this, tr("NMEA Sentence"),
-                                 tr("The NMEA sentence %1 already exist.").arg(name));
+        showPlainBox(this, QMessageBox::Information, tr("NMEA Sentence"),
+                     tr("The NMEA sentence %1 already exist.").arg(name));
         return;
     }
     list_changed = true;
@@ -150,9 +149,9 @@ void FilterDlg::slotButDelClicked()
 bool FilterDlg::askDelete(const QString &name)
 {
     if (used_list.isEmpty()) {
-        const auto answer = QMessageBox::question(this, tr("NMEA Sentence"),
-                                                  tr("Delete '%1' NMEA sentence ?").arg(name),
-                                                  QMessageBox::Ok | QMessageBox::Cancel);
+        const auto answer = showPlainBox(this, QMessageBox::Question, tr("NMEA Sentence"),
+                                         tr("Delete '%1' NMEA sentence ?").arg(name),
+                                         QMessageBox::Ok | QMessageBox::Cancel);
         return answer == QMessageBox::Ok;
     }
     DelSentenceDlg dialog;

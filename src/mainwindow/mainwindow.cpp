@@ -119,7 +119,10 @@ void MainWindow::fillSpeeds()
 void MainWindow::connectWidgets()
 {
     for (const OutputRow &row : output_rows) {
-        connect(row.speed, &QComboBox::currentTextChanged, this, &MainWindow::slotPortSpeedChanged);
+        // As currentIndexChanged(QString), which Qt 6 doesn't have: the text of another index, not
+        // another text of this one.
+        connect(row.speed, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+                [this, box = row.speed](int index) { slotPortSpeedChanged(box->itemText(index)); });
         connect(row.button, &QPushButton::clicked, this, &MainWindow::slotOutputPortButttonClicked);
         connect(row.button, &QMPushButton::signalPushRightMouse, this,
                 &MainWindow::slotOutputPortButtonRightClicked);
@@ -152,6 +155,13 @@ void MainWindow::connectWidgets()
 void MainWindow::setTexts()
 {
     setWindowTitle(titleStart + applicationVersion);
+
+    // Names and what the router says are no markup. The one link is.
+    const auto labels = findChildren<QLabel *>();
+    for (QLabel *label : labels) {
+        if (!label->openExternalLinks())
+            label->setTextFormat(Qt::PlainText);
+    }
 
     ui->pushButton_Service->setText(QString());
     ui->pushButton_Service->setIcon(QIcon(QStringLiteral(":/icons/logo-180x60-transparent.png")));
@@ -214,6 +224,15 @@ void MainWindow::send(const QString &sentence)
         link->sendSentence(sentence);
 }
 
+// Without its focus: that would go on to the next widget, of which nobody knows what a key does
+// there.
+void MainWindow::disable(QWidget *widget)
+{
+    if (focusWidget() == widget)
+        widget->clearFocus();
+    widget->setEnabled(false);
+}
+
 QMessageBox::StandardButton MainWindow::showMessage(const QString &title, const QString &text,
                                                     QMessageBox::Icon icon,
                                                     QMessageBox::StandardButtons buttons)
@@ -225,6 +244,7 @@ QMessageBox::StandardButton MainWindow::showMessage(const QString &title, const 
     const QPointer<QMessageBox> box = new QMessageBox(icon, title, text, buttons, owner);
     if (!message_box)
         message_box = box;
+    box->setTextFormat(Qt::PlainText);
     const int answer = box->exec();
     delete box;
     return QMessageBox::StandardButton(answer);

@@ -157,6 +157,7 @@ public slots:
     void slotButViewSpeed();
 
 protected:
+    bool event(QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
@@ -237,6 +238,7 @@ private:
     void leaveConnection();
     void askDisconnect();
     void send(const QString &sentence);
+    void disable(QWidget *widget);
 
     // Saving in the router
     void SendAllToRouter();
@@ -269,6 +271,7 @@ private:
     void showLoadFileError(QFile &file, const QString &fileName);
 
     // Matrix
+    void letGoOfMouse();
     quint8 FrameCode(const DragFrame *frame) const;
     ChannelRecord &channelRecord(int channel);
     void sendRule();
@@ -298,7 +301,8 @@ private:
     // Names and speeds
     QString OutputPortButtonText(quint8 port) const;
     void UpdateOutputPortButtons();
-    QMLineEdit *openNameEditor(QWidget *place, const QString &name, void (MainWindow::*accept)());
+    void showOutputPortText(quint8 port);
+    QMLineEdit *openNameEditor(QWidget *place, void (MainWindow::*accept)());
 
     // Monitor and status panel
     void setPlay(bool play);
@@ -322,6 +326,8 @@ private:
     quint8 current_output_port = 0;
     quint8 view_code = 255;
     quint8 edit_port = NO_PORT;
+    QPointer<QMLineEdit> name_editor;    //!< while a name is being edited
+    QPointer<QWidget> focus_before_name; //!< what had the focus before that
 
     NmeaSerialPort *link = nullptr;             //!< of the connection in hand; ends by deleteLater
     ConnectProgress *progress_dialog = nullptr; //!< during the handshake only

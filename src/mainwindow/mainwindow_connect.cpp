@@ -26,7 +26,7 @@ void MainWindow::slotConnectPort()
     if (link) // in its search, or under the box that tells its end
         return;
     link = new NmeaSerialPort;
-    ui->pushButton_connect->setEnabled(false);
+    disable(ui->pushButton_connect);
     wireLink();
     progress_dialog = new ConnectProgress(this);
     progress_dialog->show();
@@ -95,8 +95,10 @@ void MainWindow::slotConnectEstablish(quint8 port)
     ui->pushButton_connect->setEnabled(true);
     view_code = nothingUnderView;
     connected = true;
-    ui->comboBox_connect_port->setEnabled(false);
-    ui->pushButton_rescan_ports->setEnabled(false);
+    disable(ui->comboBox_connect_port);
+    disable(ui->pushButton_rescan_ports);
+    if (!focusWidget())
+        ui->pushButton_connect->setFocus(Qt::OtherFocusReason);
     ui->pushButton_SaveEEPROM->setEnabled(true);
 
     ui->label_3->setText(tr("TK-7 Router:"));
@@ -146,7 +148,9 @@ void MainWindow::leaveConnection()
     releaseLink();
     ui->comboBox_connect_port->setEnabled(true);
     ui->pushButton_rescan_ports->setEnabled(true);
-    ui->pushButton_SaveEEPROM->setEnabled(false);
+    disable(ui->pushButton_SaveEEPROM);
+    if (!focusWidget())
+        ui->pushButton_connect->setFocus(Qt::OtherFocusReason);
 }
 
 void MainWindow::enableConnect()
@@ -168,8 +172,7 @@ void MainWindow::closeWaitSaveDialog()
 {
     if (!wait_save_dialog)
         return;
-    wait_save_dialog->close();
-    delete wait_save_dialog;
+    delete wait_save_dialog; // it doesn't close for anybody else
     wait_save_dialog = nullptr;
 }
 

@@ -1,5 +1,6 @@
 #include "mainwindow/mainwindow.h"
 #include "model/rulefile.h"
+#include "widgets/plainbox.h"
 
 #include <QFile>
 #include <QFileDialog>
@@ -31,7 +32,8 @@ void MainWindow::slotSaveToFile()
     // A pipe would keep the tool waiting for its reader.
     QFile file(fileName);
     if (isPipe(fileName) || !file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-        QMessageBox::warning(this, tr("Save Rules"), tr("Error open file %1").arg(fileName));
+        showPlainBox(this, QMessageBox::Warning, tr("Save Rules"),
+                     tr("Error open file %1").arg(fileName));
         return;
     }
     // Deliberately without a word, and the file stays, empty.
@@ -49,7 +51,8 @@ void MainWindow::showSaveFileError(QFile &file, const QString &fileName)
 {
     file.close();
     file.remove();
-    QMessageBox::warning(this, tr("Save Rules"), tr("Error save rules to %1").arg(fileName));
+    showPlainBox(this, QMessageBox::Warning, tr("Save Rules"),
+                 tr("Error save rules to %1").arg(fileName));
 }
 
 void MainWindow::slotLoadFromFile()
@@ -61,7 +64,8 @@ void MainWindow::slotLoadFromFile()
     // A pipe or a terminal would keep the tool waiting.
     QFile file(fileName);
     if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly)) {
-        QMessageBox::warning(this, tr("Load Rules"), tr("Error open file %1").arg(fileName));
+        showPlainBox(this, QMessageBox::Warning, tr("Load Rules"),
+                     tr("Error open file %1").arg(fileName));
         return;
     }
     const auto setSpeed = [this](quint8 port, quint32 speed) { slotVRNewPortSpeed(port, speed); };
@@ -73,12 +77,13 @@ void MainWindow::slotLoadFromFile()
 
     SendAllToRouter();
     refreshMatrix();
-    QMessageBox::information(this, tr("TK-7 Router"), tr("Load rules complete"));
+    showPlainBox(this, QMessageBox::Information, tr("TK-7 Router"), tr("Load rules complete"));
 }
 
 // What was read until the error stands in the model; deliberately, only the speeds show it.
 void MainWindow::showLoadFileError(QFile &file, const QString &fileName)
 {
     file.close();
-    QMessageBox::warning(this, tr("Load Rules"), tr("Error load rules from %1").arg(fileName));
+    showPlainBox(this, QMessageBox::Warning, tr("Load Rules"),
+                 tr("Error load rules from %1").arg(fileName));
 }

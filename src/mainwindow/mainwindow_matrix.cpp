@@ -4,8 +4,10 @@
 #include "model/viewcode.h"
 #include "ui_mainwindow.h"
 #include "widgets/dragframe.h"
+#include "widgets/qmlineedit.h"
 #include "widgets/qmpushbutton.h"
 
+#include <QDrag>
 #include <QLabel>
 
 #include <algorithm>
@@ -147,6 +149,24 @@ quint8 MainWindow::FrameCode(const DragFrame *frame) const
 ChannelRecord &MainWindow::channelRecord(int channel)
 {
     return model.output_ports[current_output_port].channels[size_t(channel)];
+}
+
+// Of what opens over the window the first sign is that it blocks it. A drag would keep the pointer
+// for itself, and what has been pressed would wait for a release that goes elsewhere.
+bool MainWindow::event(QEvent *event)
+{
+    if (event->type() == QEvent::WindowBlocked)
+        letGoOfMouse();
+    return QMainWindow::event(event);
+}
+
+void MainWindow::letGoOfMouse()
+{
+    QDrag::cancel();
+    if (pressed_frame)
+        pressed_frame->letGo();
+    if (name_editor)
+        emit name_editor->editingFinished();
 }
 
 void MainWindow::slotPressEvent(DragFrame *dframe)

@@ -29,7 +29,14 @@ QString MainWindow::OutputPortButtonText(quint8 port) const
 void MainWindow::UpdateOutputPortButtons()
 {
     for (quint8 port = 0; port < OutputPortCount; ++port)
-        output_rows[port].button->setText(OutputPortButtonText(port));
+        showOutputPortText(port);
+}
+
+// An ampersand of the name is no shortcut.
+void MainWindow::showOutputPortText(quint8 port)
+{
+    const QString text = OutputPortButtonText(port);
+    output_rows[port].button->setText(QString(text).replace(QLatin1Char('&'), QLatin1String("&&")));
 }
 
 void MainWindow::slotPortSpeedChanged(QString str)
@@ -56,17 +63,18 @@ bool MainWindow::eventFilter(QObject *watched, QEvent *event)
     return QMainWindow::eventFilter(watched, event);
 }
 
-QMLineEdit *MainWindow::openNameEditor(QWidget *place, const QString &name,
-                                       void (MainWindow::*accept)())
+QMLineEdit *MainWindow::openNameEditor(QWidget *place, void (MainWindow::*accept)())
 {
+    if (name_editor)
+        emit name_editor->editingFinished();
+    focus_before_name = focusWidget();
     auto *editor = new QMLineEdit; // deleted by slotEditPortNameFinish
+    name_editor = editor;
     editor->setMaxLength(PortNameLength);
     connect(editor, &QLineEdit::editingFinished, this, &MainWindow::slotEditPortNameFinish);
     connect(editor, &QLineEdit::returnPressed, this, accept);
     editor->setFixedSize(place->size());
     editor->setParent(place);
-    if (!name.isEmpty())
-        editor->setText(name);
     return editor;
 }
 
@@ -80,8 +88,10 @@ void MainWindow::slotInputPortEditName(DragFrame *dframe)
     if (found == input_rows.end())
         return;
     edit_port = quint8(found - input_rows.begin());
-    QMLineEdit *editor = openNameEditor(dframe, model.input_ports[edit_port].input_name,
-                                        &MainWindow::slotEditPortNameOk);
+    QMLineEdit *editor = openNameEditor(dframe, &MainWindow::slotEditPortNameOk);
+    const QString &name = model.input_ports[edit_port].input_name;
+    if (!name.isEmpty())
+        editor->setText(name);
     editor->show();
     editor->setFocus(Qt::OtherFocusReason);
 }
@@ -93,8 +103,8 @@ void MainWindow::slotOutputPortButtonRightClicked()
     if (port < 0)
         return;
     QMLineEdit *editor =
-        openNameEditor(output_rows[edit_port].button, model.output_ports[edit_port].output_name,
-                       &MainWindow::slotEditOutputPortNameOk);
+        openNameEditor(output_rows[edit_port].button, &MainWindow::slotEditOutputPortNameOk);
+    editor->setText(model.output_ports[edit_port].output_name);
     QFont font = editor->font();
     font.setPointSize(editorFontSize);
     editor->setFont(font);
@@ -118,7 +128,7 @@ void MainWindow::slotEditOutputPortNameOk()
     if (!editor || edit_port >= OutputPortCount)
         return;
     model.output_ports[edit_port].output_name = editor->text();
-    output_rows[edit_port].button->setText(OutputPortButtonText(edit_port));
+    showOutputPortText(edit_port);
 }
 
 void MainWindow::slotEditPortNameFinish()
@@ -127,6 +137,12 @@ void MainWindow::slotEditPortNameFinish()
     if (!editor)
         return;
     editor->releaseMouse();
+    if (focusWidget() == editor) {
+        editor->clearFocus();
+        if (focus_before_name)
+            focus_before_name->setFocus(Qt::OtherFocusReason);
+    }
     editor->hide();
     editor->deleteLater();
+    name_editor.clear();
 }

@@ -31,11 +31,11 @@ void MainWindow::slotSaveToEeprom()
     const auto answer =
         showMessage(tr("Save Rules"), tr("Are you sure you want save rules in Router?"),
                     QMessageBox::Question, QMessageBox::Ok | QMessageBox::Cancel);
-    if (answer != QMessageBox::Ok || !connected)
+    // Who presses the button by other means than the mouse could press it while one save goes on.
+    if (answer != QMessageBox::Ok || !connected || wait_save_dialog)
         return;
     SendAllToRouter();
     send(Commands::SaveToEeprom);
-    closeWaitSaveDialog(); // of a save whose answer was lost, and that the user has dismissed
     wait_save_dialog = new WaitSaveDlg(this);
     wait_save_dialog->setModal(true);
     wait_save_dialog->show();

@@ -37,6 +37,7 @@ servicedlg::servicedlg(QWidget *parent)
       update_timer(new QTimer(this))
 {
     ui->setupUi(this);
+    ui->label_ChipID->setTextFormat(Qt::PlainText); // the characters can be any
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     update_timer->setTimerType(Qt::PreciseTimer);
     fillTable();

@@ -8,7 +8,10 @@ namespace Ui {
 class WaitSaveDlg;
 }
 
-/*! The frameless box that stands while the router saves its rules in its EEPROM. */
+/*!
+ * The frameless box that stands while the router saves its rules in its EEPROM: until its owner
+ * takes it away, whatever the user does.
+ */
 class WaitSaveDlg : public QDialog
 {
     Q_OBJECT
@@ -19,6 +22,8 @@ public:
 
 public slots:
     void slotExitDlg();
+    /*! Neither Escape nor the window manager closes it. */
+    void reject() override { }
 
 private:
     std::unique_ptr<Ui::WaitSaveDlg> ui;

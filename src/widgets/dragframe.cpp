@@ -24,6 +24,12 @@ DragFrame::DragFrame(QWidget *parent) : QFrame(parent)
     setMidLineWidth(1);
 }
 
+void DragFrame::letGo()
+{
+    armed = false;
+    setFrameStyle(restStyle);
+}
+
 void DragFrame::mousePressEvent(QMouseEvent *event)
 {
     QWidget *child = childAt(event->localPos().toPoint());

@@ -21,6 +21,9 @@ public:
     void setAcceptEnter(bool accept) { accept_enter = accept; }
     void setAcceptDrop(bool accept) { accept_drop = accept; }
 
+    /*! Ends a press whose release will not come here, because something has opened over it. */
+    void letGo();
+
 signals:
     void signalReleaseEvent(DragFrame *dframe);
     void signalPressEvent(DragFrame *dframe);

@@ -23,7 +23,8 @@ constexpr double bytesPerMegabyte = 1024 * 1024;
 // Milliseconds, with time to spare for a busy machine.
 constexpr qint64 longestSearch = 12000;  // the tool ends it after four seconds
 constexpr qint64 longestSilence = 10000; // the tool ends the link after four seconds
-constexpr qint64 longestSave = 5000;     // then the user gives the waiting up
+constexpr qint64 longestSave = 5000;     // then the router answers at last
+constexpr qint64 longestHold = 6000;     // longer than the tool needs to end a dead link
 constexpr qint64 longestFarewell = 4000; // it waits its turn in the tool's queue
 constexpr qint64 longestUpdate = 90000;
 constexpr qint64 longestStandstill = 30000; // longer than any queue of the tool
@@ -181,9 +182,9 @@ QString Campaign::findProblem()
         return QStringLiteral("Qt says: ") + message;
     if (!m_state.refused.isEmpty() && m_agreement.isJudging())
         return QStringLiteral("the router has refused ") + QString::fromLatin1(m_state.refused);
-    for (const auto &judge :
-         {&Campaign::judgeTable, &Campaign::judgeProgress, &Campaign::judgePause,
-          &Campaign::judgeDialogs, &Campaign::judgeLink, &Campaign::judgeScreen}) {
+    for (const auto &judge : {&Campaign::judgeTable, &Campaign::judgeProgress,
+                              &Campaign::judgePause, &Campaign::judgeDialogs, &Campaign::judgeHand,
+                              &Campaign::judgeLink, &Campaign::judgeScreen}) {
         QString problem = (this->*judge)();
         if (!problem.isEmpty())
             return problem;
@@ -264,6 +265,20 @@ QString Campaign::judgeDialogs()
     return QString();
 }
 
+// What opens ends a drag, a press and the editor of a name; and a drag ends with its release.
+QString Campaign::judgeHand()
+{
+    constexpr qint64 longestUnwinding = 500; // from the box that closes to the drag that returns
+    const bool isOpen = openDialog() != nullptr;
+    if (QApplication::activeModalWidget() && m_user.nameEditor())
+        return QStringLiteral("a name is being edited below a dialog");
+    const qint64 now = m_clock.elapsed();
+    if (isOpen || m_user.isDragging() || !m_window.findChild<QDrag *>())
+        m_dragEndedAt = now;
+    return now - m_dragEndedAt > longestUnwinding ? QStringLiteral("a drag doesn't end")
+                                                  : QString();
+}
+
 // A connection that the router doesn't feed ends with a box.
 QString Campaign::judgeLink()
 {
@@ -331,7 +346,31 @@ void Campaign::keepQuiet()
     if (m_user.isDragging())
         m_user.goOnDragging();
     else if (QWidget *dialog = openDialog())
-        m_dialogUser.leave(dialog);
+        leave(dialog);
+}
+
+// A dialog that waits for a save has no end of its own; Escape is tried, and does nothing.
+void Campaign::leave(QWidget *dialog)
+{
+    m_dialogUser.leave(dialog);
+    if (!qobject_cast<WaitSaveDlg *>(dialog) || m_clock.elapsed() - m_dialogSince < longestSave)
+        return;
+    m_trouble.answerSave();
+    m_dialogSince = m_clock.elapsed();
+}
+
+// Holds a label while the configuration comes down, or while the router is silent: a box will come
+// over it.
+bool Campaign::beginsToHold(const QWidget *dialog)
+{
+    constexpr int share = 3; // per cent of the steps
+    const bool isSilent = m_state.now - m_state.lastSpoken > microseconds * settleTime;
+    const bool isTime = m_window.isConnected() && (waitsForDownload() || isSilent);
+    if (dialog || !isTime || m_user.nameEditor() || !m_dice.chance(share))
+        return false;
+    note(m_user.beginDrag());
+    m_holdUntil = m_clock.elapsed() + longestHold;
+    return true;
 }
 
 bool Campaign::waitsForDownload()
@@ -344,19 +383,18 @@ void Campaign::actAsUser()
 {
     QWidget *dialog = openDialog();
     if (m_user.isDragging()) {
-        note(m_user.goOnDragging());
+        if (dialog || m_clock.elapsed() > m_holdUntil)
+            note(m_user.goOnDragging());
+    } else if (beginsToHold(dialog)) {
+        return;
     } else if (isConnecting(dialog)) {
         const User::Deed deed = m_user.stepInSearch();
         if (!deed.kind.isEmpty())
             note(deed);
     } else if (waitsForDownload()) {
         return;
-    } else if (!dialog && m_window.findChild<QDrag *>()) {
-        // The release went astray when a box opened; a click ends such a drag.
-        note(m_user.clickAnywhere());
     } else if (qobject_cast<WaitSaveDlg *>(dialog)) {
-        if (m_clock.elapsed() - m_dialogSince > longestSave)
-            note({QStringLiteral("give up a save"), m_dialogUser.leave(dialog), false});
+        leave(dialog);
     } else if (dialog && dialog == QApplication::activePopupWidget()) {
         note({QStringLiteral("choose from a list"),
               m_dialogUser.chooseFromList(dialog, m_state.portName), true});
@@ -395,13 +433,11 @@ void Campaign::goIdle()
         m_user.goOnDragging();
     } else if (isConnecting(dialog)) {
         return;
-    } else if (!dialog && m_window.findChild<QDrag *>()) {
-        m_user.clickAnywhere();
     } else if (box && box->text().contains(QLatin1String("disconnected"))) {
         m_farewellAt = m_clock.elapsed();
         m_hand.click(box->button(QMessageBox::Ok));
     } else if (dialog) {
-        m_dialogUser.leave(dialog);
+        leave(dialog);
     } else if (m_user.nameEditor()) {
         m_hand.strike(Qt::Key_Escape);
     } else if (m_window.isConnected() && m_clock.elapsed() - m_farewellAt > longestFarewell) {

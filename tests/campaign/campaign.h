@@ -75,6 +75,7 @@ private:
     QString findProblem();
     QString judgeTable();
     QString judgeScreen();
+    QString judgeHand();
     QString judgeLink();
     QString judgeDialogs();
     QString judgeProgress();
@@ -86,6 +87,8 @@ private:
     void note(const User::Deed &deed);
     void keepQuiet();
     bool waitsForDownload();
+    void leave(QWidget *dialog);
+    bool beginsToHold(const QWidget *dialog);
     void goIdle();
     bool isIdle() const;
     void rest();
@@ -117,6 +120,8 @@ private:
     qint64 m_progressAt = 0;
     int m_stepsAtRest = 0;
     int m_reconnects = 0;
+    qint64 m_dragEndedAt = 0;
+    qint64 m_holdUntil = 0;  // a label that is held while something may open
     bool m_isPatient = true; // lets the download end before anything else
     bool m_hasDownloaded = false;
     QElapsedTimer m_clock;

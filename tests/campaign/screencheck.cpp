@@ -159,7 +159,7 @@ QString ScreenCheck::checkPorts() const
                 .arg(port)
                 .arg(box->currentText(), m_matrix.speedLabel(port)->text(), speed);
         const QString name = output.output_name;
-        const QString shownText = m_matrix.outputButton(port)->text();
+        const QString shownText = visibleText(m_matrix.outputButton(port));
         const QString expected = QStringLiteral("%1. %2").arg(port).arg(name);
         if (!name.isEmpty() && shownText != expected)
             return QStringLiteral("output %1 is called \"%2\" in place of \"%3\"")

@@ -15,7 +15,7 @@
 namespace {
 
 const QString nameLetters =
-    QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789 -/");
+    QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789 -/&<>");
 
 } // namespace
 
@@ -268,10 +268,16 @@ QString User::drag()
     return text;
 }
 
-User::Deed User::clickAnywhere()
+User::Deed User::beginDrag()
 {
-    m_hand.click(m_window.findChild<QWidget *>(QStringLiteral("label_input_ports")));
-    return {QStringLiteral("click anywhere"), QString(), true};
+    DragFrame *source = anyFrame(true);
+    m_target = anyFrame(false);
+    show(source);
+    m_hand.lift(source);
+    m_hand.carry(m_target);
+    m_isDragging = true;
+    return {QStringLiteral("hold a label"), QString::number(m_screen.matrix().codeOf(source)),
+            true};
 }
 
 User::Deed User::goOnDragging()

@@ -37,10 +37,11 @@ public:
     Deed stepInSearch();
 
     /*! Goes on with what the mouse has lifted; there is nothing else to do with a full hand. */
+    /*! Lifts a label and holds it. */
+    Deed beginDrag();
     Deed goOnDragging();
     bool isDragging() const { return m_isDragging; }
     /*! A click at a place where nothing is. */
-    Deed clickAnywhere();
 
     /*! The open editor of a name, if there is one. */
     QMLineEdit *nameEditor() const;

@@ -13,6 +13,12 @@
 #include <algorithm>
 #include <array>
 
+/*! The text of \a button as a user reads it. */
+inline QString visibleText(const QAbstractButton *button)
+{
+    return button->text().replace(QLatin1String("&&"), QLatin1String("&"));
+}
+
 /*!
  * The routing matrix as a user sees it: its frames, the twelve labels of the input ports, and what
  * stands in a channel's row.

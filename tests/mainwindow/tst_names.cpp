@@ -36,6 +36,13 @@ private slots:
 
     void cancelled_data();
     void cancelled();
+    void ends_data();
+    void ends();
+    void firstClickOnABoxCounts_data();
+    void firstClickOnABoxCounts();
+    void editorOverAnEditor();
+    void focusAfterConnecting_data();
+    void focusAfterConnecting();
     void clickInsideGoesOn();
     void clickElsewhereDoesNothingElse();
     void oneEditorAtATime();
@@ -52,6 +59,7 @@ private slots:
     void sameSpeedSendsNothing();
     void noSpeed_data();
     void noSpeed();
+    void anotherTextIsNoOtherSpeed();
     void chosenSpeedOffline();
     void speedFromTheRouter_data();
     void speedFromTheRouter();
@@ -469,6 +477,205 @@ void TestNames::cancelled()
     QCOMPARE(editors(fresh()).size(), 0);
 }
 
+void TestNames::ends_data()
+{
+    QTest::addColumn<bool>("output");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("how");
+
+    for (const bool output : {true, false}) {
+        for (const char *how : {"Escape", "Tab", "Backtab", "focus", "wheel over a speed", "wheel",
+                                "another window", "click"}) {
+            const auto row = [&](const char *what, const char *name, const char *typed) {
+                QTest::addRow("%s name, %s, %s", output ? "output" : "input", what, how)
+                    << output << name << typed << how;
+            };
+            row("empty", "", "");
+            row("empty, typed", "", "AB");
+            row("old", "old", "");
+            row("old, typed", "old", "er");
+            row("refused", "A_B", "");
+            row("refused, typed", "A_B", "C");
+        }
+        // The validator likes a name or it doesn't; the user isn't asked twice.
+        QTest::addRow("%s name, refused, Return", output ? "output" : "input") << output << "A_B"
+                                                                               << ""
+                                                                               << "Return";
+        QTest::addRow("%s name, refused, typed, Return", output ? "output" : "input")
+            << output << "A_B"
+            << "C"
+            << "Return";
+    }
+}
+
+// Nothing is stored, the mouse is free, and who had the focus before has it again.
+void TestNames::ends()
+{
+    QFETCH(bool, output);
+    QFETCH(QString, name);
+    QFETCH(QString, typed);
+    QFETCH(QString, how);
+    const MatrixView matrix(*fresh());
+    fresh()->slotVRNewPortName(output, 3, name);
+    const RouterModel before = fresh()->routerModel();
+    fresh()->findChild<QWidget *>(QStringLiteral("pushButton_LoadFile"))->setFocus();
+    QWidget *place = matrix.labels[3];
+    if (output)
+        place = matrix.outputButton(3);
+    click(place, Qt::MiddleButton); // a press alone can move the focus
+    QWidget *had = fresh()->focusWidget();
+    QVERIFY(had);
+    click(place, Qt::RightButton);
+    const QPointer<QMLineEdit> editor = editors(fresh()).value(0);
+    QVERIFY(editor);
+    QCOMPARE(editor->text(), name);
+    QCOMPARE(QApplication::focusWidget(), editor);
+    type(fresh(), typed);
+
+    const auto wheelOver = [&](QWidget *widget) {
+        QPoint at = widget->mapTo(fresh(), widget->rect().center());
+        QTest::mouseMove(fresh()->windowHandle(), at);
+        QWheelEvent wheel(at, fresh()->mapToGlobal(at), QPoint(), QPoint(0, -120), Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(fresh()->windowHandle(), &wheel);
+    };
+    QWidget *expected = had;
+    QWidget other;
+    if (how == QLatin1String("focus")) {
+        expected = fresh()->findChild<QWidget *>(QStringLiteral("pushButton_SaveFile"));
+        expected->setFocus();
+    } else if (how == QLatin1String("wheel over a speed")) {
+        auto *speed = matrix.widget<QComboBox>("comboBox_output_port_%1", 9);
+        wheelOver(speed);
+        if (speed->hasFocus())
+            expected = speed;
+    } else if (how == QLatin1String("wheel")) {
+        wheelOver(matrix.homes[8]);
+    } else if (how == QLatin1String("another window")) {
+        other.show();
+        other.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&other));
+    } else if (how == QLatin1String("click")) {
+        click(fresh(), Qt::LeftButton, QPoint(500, 75));
+    } else {
+        const QMap<QString, Qt::Key> keys = {{"Escape", Qt::Key_Escape},
+                                             {"Tab", Qt::Key_Tab},
+                                             {"Backtab", Qt::Key_Backtab},
+                                             {"Return", Qt::Key_Return}};
+        press(fresh(), keys.value(how));
+    }
+
+    QCOMPARE(editors(fresh()).size(), 0);
+    QVERIFY(!QWidget::mouseGrabber());
+    QCOMPARE(fresh()->focusWidget(), expected);
+    RouterModel after = fresh()->routerModel();
+    for (size_t port = 0; port < after.output_ports.size(); ++port)
+        after.output_ports[port].speed = before.output_ports[port].speed;
+    QVERIFY(after == before);
+}
+
+void TestNames::firstClickOnABoxCounts_data()
+{
+    QTest::addColumn<bool>("output");
+    QTest::addColumn<QString>("name");
+
+    for (const bool output : {true, false}) {
+        for (const char *name : {"", "old", "A_B"})
+            QTest::addRow("%s name \"%s\"", output ? "output" : "input", name) << output << name;
+    }
+}
+
+void TestNames::firstClickOnABoxCounts()
+{
+    QFETCH(bool, output);
+    QFETCH(QString, name);
+    ConnectedMatrix *tool = connected();
+    MainWindow &window = tool->window();
+    window.resize(853, 1000);
+    window.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    window.slotVRNewPortName(output, 3, name);
+    const RouterModel before = window.routerModel();
+    QWidget *place = tool->matrix.labels[3];
+    if (output)
+        place = tool->matrix.outputButton(3);
+    click(place, Qt::MiddleButton); // a press alone can move the focus
+    const QWidget *had = window.focusWidget();
+    click(place, Qt::RightButton);
+    QCOMPARE(editors(&window).size(), 1);
+
+    bool isFree = false;
+    bool isClosed = false;
+    BoxAnswer::Box box = WindowBench::downloadBox();
+    box.click = QMessageBox::NoButton;
+    box.whileOpen = [&](QMessageBox &open) {
+        isFree = !QWidget::mouseGrabber() && editors(&window).isEmpty();
+        click(open.button(QMessageBox::Ok), Qt::LeftButton);
+        isClosed = !open.isVisible();
+        open.reject();
+    };
+    tool->bench.boxes.expect(box);
+    window.slotVRUpdateVRData();
+    QVERIFY(isFree);
+    QVERIFY(isClosed);
+    QCOMPARE(window.focusWidget(), had);
+    QVERIFY(window.routerModel() == before);
+}
+
+// The hand can't open a second one; whatever does, the first one ends.
+void TestNames::editorOverAnEditor()
+{
+    const MatrixView matrix(*fresh());
+    click(matrix.outputButton(3), Qt::MiddleButton); // a press alone can move the focus
+    const QWidget *had = fresh()->focusWidget();
+    click(matrix.outputButton(3), Qt::RightButton);
+    QMetaObject::invokeMethod(matrix.outputButton(5), "signalPushRightMouse");
+    const auto open = editors(fresh());
+    QCOMPARE(open.size(), 1);
+    QCOMPARE(open.first()->parent(), matrix.outputButton(5));
+    QCOMPARE(QApplication::focusWidget(), open.first());
+    press(fresh(), Qt::Key_Escape);
+    QCOMPARE(editors(fresh()).size(), 0);
+    QCOMPARE(fresh()->focusWidget(), had);
+}
+
+void TestNames::focusAfterConnecting_data()
+{
+    QTest::addColumn<QString>("before");
+    QTest::addColumn<QString>("after");
+
+    QTest::newRow("Connect") << "pushButton_connect"
+                             << "pushButton_connect";
+    QTest::newRow("list of ports") << "comboBox_connect_port"
+                                   << "pushButton_connect";
+    QTest::newRow("rescan") << "pushButton_rescan_ports"
+                            << "pushButton_connect";
+    QTest::newRow("load") << "pushButton_LoadFile"
+                          << "pushButton_LoadFile";
+}
+
+// A blank struck too often must not open the dialog of a file.
+void TestNames::focusAfterConnecting()
+{
+    QFETCH(QString, before);
+    QFETCH(QString, after);
+    m_windows.disconnect(); // which would answer the boxes
+    WindowBench bench;
+    bench.window.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&bench.window));
+    bench.find<QWidget>(before)->setFocus();
+    QVERIFY2(bench.connectToRouter(), qPrintable(bench.boxes.report()));
+    QCOMPARE(bench.window.focusWidget(), bench.find<QWidget>(after));
+
+    // And when the connection ends under the button of the save.
+    bench.find<QWidget>("pushButton_SaveEEPROM")->setFocus();
+    bench.router.unplug();
+    bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    QTRY_VERIFY_WITH_TIMEOUT(!bench.window.isConnected(), 10000);
+    QCOMPARE(bench.window.focusWidget(), bench.find<QWidget>("pushButton_connect"));
+}
+
 void TestNames::clickInsideGoesOn()
 {
     const MatrixView matrix(*fresh());
@@ -669,6 +876,18 @@ void TestNames::noSpeed()
     QCOMPARE(tool->sent(), QList<QByteArray>{});
     box->setCurrentIndex(1);
     box->removeItem(7);
+}
+
+void TestNames::anotherTextIsNoOtherSpeed()
+{
+    ConnectedMatrix *tool = connected();
+    const RouterModel before = tool->window().routerModel();
+    auto *box = tool->matrix.widget<QComboBox>("comboBox_output_port_%1", 2);
+    box->setItemText(1, QStringLiteral("9600"));
+    QVERIFY(tool->window().routerModel() == before);
+    QCOMPARE(tool->matrix.speedLabel(2)->text(), QStringLiteral("4800"));
+    QCOMPARE(tool->sent(), QList<QByteArray>{});
+    box->setItemText(1, QStringLiteral("4800"));
 }
 
 void TestNames::chosenSpeedOffline()

@@ -1,7 +1,9 @@
 #include "windowbench.h"
 
+#include <QCloseEvent>
 #include <QFile>
 #include <QLabel>
+#include <QPointer>
 #include <QPushButton>
 
 using tk7sim::Fault;
@@ -22,8 +24,10 @@ private slots:
     void linkDiesWhileWaiting();
     void linkDiesUnderTheQuestion();
     void busyWhileWaiting();
-    void dismissedWaitGoesWithTheLink();
-    void dismissedWaitGoesWithTheNextSave();
+    void waitStays_data();
+    void waitStays();
+    void waitGoesWithTheDisconnect();
+    void secondSaveWhileOneGoesOn();
     void resultWithoutASave();
     void nothingWhileNotConnected();
 };
@@ -254,8 +258,51 @@ void tst_save::busyWhileWaiting()
     QTRY_VERIFY(!bench.window.isConnected());
 }
 
-// Escape closes the wait dialog, and a router whose answer was lost never does.
-void tst_save::dismissedWaitGoesWithTheLink()
+void tst_save::waitStays_data()
+{
+    QTest::addColumn<bool>("answered");
+    QTest::newRow("the router answers") << true;
+    QTest::newRow("the link dies") << false;
+}
+
+// Whatever the user does, until the router answers or the link dies.
+void tst_save::waitStays()
+{
+    QFETCH(bool, answered);
+    WindowBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.router.setSaveDuration(longSave);
+    bench.boxes.expect(question());
+    bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
+    const QPointer<QDialog> dialog = ::waitDialog(bench);
+    QVERIFY(dialog);
+    const QRect place = dialog->geometry();
+    QTest::keyClick(dialog.data(), Qt::Key_Escape);
+    QTest::keyClick(dialog->windowHandle(), Qt::Key_Escape);
+    QTest::keyClick(dialog.data(), Qt::Key_Return);
+    QCloseEvent close; // of the window manager
+    QCoreApplication::sendEvent(dialog, &close);
+    QVERIFY(!close.isAccepted());
+    QVERIFY(!dialog->close());
+    dialog->reject();
+    QTest::mouseClick(bench.window.windowHandle(), Qt::LeftButton, Qt::NoModifier, QPoint(5, 5));
+    QVERIFY(dialog && dialog->isVisible());
+    QCOMPARE(dialog->geometry(), place);
+    QCOMPARE(QApplication::activeModalWidget(), dialog);
+
+    if (answered) {
+        bench.boxes.expect(completed());
+        bench.router.sendLine("$VRSRO\r\n");
+    } else {
+        bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+        bench.router.unplug();
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(!dialog, 10000);
+    QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+// Not by the mouse, which the dialog keeps away: nor is the next one.
+void tst_save::waitGoesWithTheDisconnect()
 {
     WindowBench bench;
     QVERIFY(bench.connectToRouter());
@@ -263,14 +310,13 @@ void tst_save::dismissedWaitGoesWithTheLink()
     bench.boxes.expect(question()).expect(farewell());
     bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
     QVERIFY(::waitDialog(bench));
-    ::waitDialog(bench)->reject();
     bench.find<QPushButton>("pushButton_connect")->click();
     QTRY_VERIFY_WITH_TIMEOUT(!bench.window.isConnected(), 10000);
     QVERIFY(!::waitDialog(bench));
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
 
-void tst_save::dismissedWaitGoesWithTheNextSave()
+void tst_save::secondSaveWhileOneGoesOn()
 {
     WindowBench bench;
     QVERIFY(bench.connectToRouter());
@@ -280,7 +326,6 @@ void tst_save::dismissedWaitGoesWithTheNextSave()
         bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
         QCOMPARE(bench.window.findChildren<QDialog *>("WaitSaveDlg").size(), 1);
         QVERIFY(::waitDialog(bench)->isVisible());
-        ::waitDialog(bench)->reject();
     }
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }

@@ -73,6 +73,7 @@ const Tour::Step Tour::steps[] = {
     {"disconnect", "close the box, press Disconnect", &Tour::pressDisconnect},
     {"disconnected", "answer Ok", &Tour::confirmDisconnect},
     {"again", "connect again", &Tour::connectAgain},
+    {"drag-download", "drag a label until a download ends under it", &Tour::dragIntoDownload},
     {"service", "press the logo without the left Ctrl key, and with it", &Tour::watchCounters},
     {"chip-id", "press CHIP ID", &Tour::switchChipId},
     {"cleared", "press Clear Status", &Tour::clearCounters},
@@ -100,7 +101,9 @@ const Tour::Step Tour::steps[] = {
     {"ais-own", "close both, press View under Own Data", &Tour::openOwnShip},
     {"ais-alarms", "close it, press View under Alarms", &Tour::openAlarms},
     {"ais-end", "close it and the table", &Tour::endAisTest},
-    {"timeout", "pull the cable out", &Tour::pullCable},
+    {"drag-timeout", "pull the cable out, drag a label until the box comes",
+     &Tour::dragIntoTimeout},
+    {"timeout", "close the box, connect, pull the cable out", &Tour::pullCable},
     {"replugged", "close the box, put the cable back, connect", &Tour::plugCable},
     {"end", "close the window", &Tour::closeWindow},
 };

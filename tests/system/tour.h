@@ -58,7 +58,9 @@ private:
     QString pressDisconnect();
     QString confirmDisconnect();
     QString connectAgain();
+    QString dragIntoDownload();
     QString pullCable();
+    QString dragIntoTimeout();
     QString plugCable();
     QString closeWindow();
     void connectAndDownload();
@@ -81,6 +83,7 @@ private:
     void select(int output);
     void openEditor(const QRect &place);
     void dragLabel(const QRect &from, const QRect &to);
+    void clickBoxOverDrag();
 
     // tour_monitor.cpp
     QString viewChannel();

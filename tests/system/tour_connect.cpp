@@ -147,6 +147,51 @@ QString Tour::connectAgain()
     return QStringLiteral("the saved configuration comes down, with the name");
 }
 
+// A box over a drag ends it: the hand can let go, and the first click on the box counts.
+void Tour::clickBoxOverDrag()
+{
+    m_tool.awaitNoPopup(); // the label's picture
+    m_tool.desktop().release(XDesktop::LeftButton);
+    // The one button of a box lies in its lower right corner.
+    const QPoint corner(m_box.place.width(), m_box.place.height());
+    m_tool.clickAt(m_box, corner - QPoint(m_tool.map().scaled(45), m_tool.map().scaled(25)));
+    m_tool.awaitGone(m_box);
+}
+
+// A router can send its rules again whenever it likes.
+QString Tour::dragIntoDownload()
+{
+    dragLabel(m_tool.map().inputHome(Story::refusedInput),
+              m_tool.map().mainCell(Story::freeChannel + 1));
+    m_router.sendLine("$VRWBL\r\n");
+    m_box = m_tool.awaitWindow(Story::routerTitle, Limit::box);
+    m_tool.awaitNoPopup();
+    // With the button still held down the window goes on painting.
+    const QRect labels = m_tool.map().connectionLabels();
+    const QImage before = m_tool.look(labels);
+    m_router.sendChecked("$VRERR,0007,00");
+    await([&] { return m_tool.look(labels) != before; }, Limit::paint,
+          QStringLiteral("the picture stands still"));
+    clickBoxOverDrag();
+    awaitMatrix(viewNothing);
+    m_listener.expectNothing();
+    return QStringLiteral("the label is back, the box has heard the click, the picture goes on");
+}
+
+QString Tour::dragIntoTimeout()
+{
+    m_router.unplug();
+    dragLabel(m_tool.map().inputHome(Story::refusedInput),
+              m_tool.map().mainCell(Story::freeChannel + 1));
+    m_box = m_tool.awaitWindow(linkTitle, timeoutLimit + timeoutMargin);
+    clickBoxOverDrag();
+    awaitIdle();
+    m_router.restart();
+    require(m_router.plug(), m_router.errorString());
+    connectAndDownload();
+    return QStringLiteral("the label is back, the box has heard the click, the window is idle");
+}
+
 QString Tour::pullCable()
 {
     const double used = m_tool.processorTime();

@@ -55,6 +55,7 @@ private slots:
     void onlyAnArmedFrameDrags_data();
     void onlyAnArmedFrameDrags();
     void staysArmedAfterRelease();
+    void letGoEndsThePress();
     void draggedData();
     void draggedPicture();
 
@@ -331,6 +332,20 @@ void TestDragFrame::staysArmedAfterRelease()
     QVERIFY(!moveStartsADrag(QPoint(200, 90), Qt::NoButton));
     QVERIFY(m_movedToBase);
     QVERIFY(moveStartsADrag(QPoint(200, 90), Qt::LeftButton));
+}
+
+void TestDragFrame::letGoEndsThePress()
+{
+    pressEnabled();
+    QCOMPARE(m_frame->frameStyle(), pressedStyle);
+    QSignalSpy released(m_frame, &DragFrame::signalReleaseEvent);
+    m_frame->letGo();
+    QCOMPARE(m_frame->frameStyle(), restStyle);
+    QCOMPARE(released.count(), 0);
+    const QPoint away = overEnabled + QPoint(QApplication::startDragDistance() + 1, 0);
+    QVERIFY(!moveStartsADrag(away, Qt::LeftButton));
+    pressEnabled();
+    QVERIFY(moveStartsADrag(away, Qt::LeftButton));
 }
 
 void TestDragFrame::draggedData()

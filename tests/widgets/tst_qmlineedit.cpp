@@ -3,11 +3,13 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QRegExpValidator>
 #include <QSignalSpy>
 #include <QTest>
 
+#include <functional>
 #include <memory>
 
 namespace {
@@ -24,7 +26,11 @@ protected:
     void mousePressEvent(QMouseEvent *) override { ++presses; }
 };
 
+using Way = std::function<void(QMLineEdit *)>;
+
 } // namespace
+
+Q_DECLARE_METATYPE(Way)
 
 class TestQMLineEdit : public QObject
 {
@@ -47,11 +53,22 @@ private slots:
 
     void pastes_data();
     void pastes();
+    void pastesTheSelection();
     void takesFromAnInputMethod();
+    void takesADrop();
+    void keepsTheCursorsPlace_data();
+    void keepsTheCursorsPlace();
+    void keepsTheHistory_data();
+    void keepsTheHistory();
+    void leavesAForeignNameAlone();
 
     void escapeEndsTheEdit();
     void returnAcceptsAndEnds_data();
     void returnAcceptsAndEnds();
+
+    void ends_data();
+    void ends();
+    void wheelInsideGoesOn();
 
     void clicks_data();
     void clicks();
@@ -61,7 +78,44 @@ private slots:
 private:
     std::unique_ptr<Below> m_below;
     QMLineEdit *m_editor = nullptr;
+
+    // Each puts "x,y" in at the cursor, in one of the ways in which a text can come.
+    static void addWays();
+    static void paste(QMLineEdit *editor);
+    static void commit(QMLineEdit *editor);
+    static void drop(QMLineEdit *editor);
 };
+
+void TestQMLineEdit::addWays()
+{
+    QTest::addColumn<Way>("way");
+    QTest::newRow("paste") << Way(paste);
+    QTest::newRow("input method") << Way(commit);
+    QTest::newRow("drop") << Way(drop);
+}
+
+void TestQMLineEdit::paste(QMLineEdit *editor)
+{
+    QApplication::clipboard()->setText(QStringLiteral("x,y"));
+    QTest::keyClick(editor, Qt::Key_V, Qt::ControlModifier);
+}
+
+void TestQMLineEdit::commit(QMLineEdit *editor)
+{
+    QInputMethodEvent event;
+    event.setCommitString(QStringLiteral("x,y"));
+    QCoreApplication::sendEvent(editor, &event);
+}
+
+void TestQMLineEdit::drop(QMLineEdit *editor)
+{
+    QMimeData data;
+    data.setText(QStringLiteral("x,y"));
+    const QPoint cursor = editor->inputMethodQuery(Qt::ImCursorRectangle).toRect().center();
+    QDropEvent event(cursor, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    static_cast<QObject *>(editor)->event(&event); // not by way of a drag
+    QVERIFY(event.isAccepted());
+}
 
 void TestQMLineEdit::init()
 {
@@ -204,6 +258,76 @@ void TestQMLineEdit::takesFromAnInputMethod()
     QCOMPARE(m_editor->text(), QStringLiteral("ABC"));
 }
 
+// By the middle button, where the system has such a thing; an X server has, the platforms without
+// a display have not.
+void TestQMLineEdit::pastesTheSelection()
+{
+    QClipboard *clipboard = QApplication::clipboard();
+    clipboard->setText(QStringLiteral("A!B,C"), QClipboard::Selection);
+    QTest::mouseClick(m_editor, Qt::MiddleButton);
+    QCOMPARE(m_editor->text(), clipboard->supportsSelection() ? QStringLiteral("ABC") : QString());
+}
+
+void TestQMLineEdit::takesADrop()
+{
+    m_editor->setText(QStringLiteral("AB"));
+    QMimeData data;
+    data.setText(QStringLiteral("$c*d"));
+    QDropEvent event(QPoint(90, 12), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    static_cast<QObject *>(m_editor)->event(&event);
+    QVERIFY(event.isAccepted());
+    QCOMPARE(event.dropAction(), Qt::CopyAction);
+    QCOMPARE(m_editor->text(), QStringLiteral("ABcd"));
+}
+
+void TestQMLineEdit::keepsTheCursorsPlace_data()
+{
+    addWays();
+}
+
+void TestQMLineEdit::keepsTheCursorsPlace()
+{
+    QFETCH(Way, way);
+    QTest::keyClicks(m_editor, QStringLiteral("ABCD"));
+    m_editor->setCursorPosition(1);
+    way(m_editor);
+    QCOMPARE(m_editor->text(), QStringLiteral("AxyBCD"));
+    QCOMPARE(m_editor->cursorPosition(), 3);
+}
+
+void TestQMLineEdit::keepsTheHistory_data()
+{
+    addWays();
+}
+
+void TestQMLineEdit::keepsTheHistory()
+{
+    QFETCH(Way, way);
+    QTest::keyClicks(m_editor, QStringLiteral("AB"));
+    QTest::keyClick(m_editor, Qt::Key_Backspace);
+    way(m_editor);
+    QCOMPARE(m_editor->text(), QStringLiteral("Axy"));
+    m_editor->undo();
+    QCOMPARE(m_editor->text(), QStringLiteral("A"));
+    m_editor->undo();
+    QCOMPARE(m_editor->text(), QStringLiteral("AB"));
+    m_editor->undo();
+    QCOMPARE(m_editor->text(), QString());
+    for (int i = 0; i < 3; ++i)
+        m_editor->redo();
+    QCOMPARE(m_editor->text(), QStringLiteral("Axy"));
+}
+
+// A router can send any name. What the user adds to it takes nothing away from it.
+void TestQMLineEdit::leavesAForeignNameAlone()
+{
+    m_editor->setText(QStringLiteral("A!B"));
+    QTest::keyClick(m_editor, 'C');
+    QCOMPARE(m_editor->text(), QStringLiteral("A!BC"));
+    m_editor->undo();
+    QCOMPARE(m_editor->text(), QStringLiteral("A!B"));
+}
+
 void TestQMLineEdit::escapeEndsTheEdit()
 {
     m_editor->setText(QStringLiteral("Gyro"));
@@ -232,6 +356,60 @@ void TestQMLineEdit::returnAcceptsAndEnds()
     connect(m_editor, &QLineEdit::editingFinished, this, [&] { order += QStringLiteral("end"); });
     QTest::keyClick(m_editor, Qt::Key(key));
     QCOMPARE(order, QStringList({"accept", "end"}));
+}
+
+void TestQMLineEdit::ends_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("how");
+
+    const QString refused = QStringLiteral("A_B");
+    for (const QString &text : {QString(), QStringLiteral("GPS"), refused}) {
+        for (const char *how : {"Escape", "Tab", "Shift+Tab", "focus", "wheel", "click"})
+            QTest::addRow("\"%s\", %s", qPrintable(text), how) << text << QString(how);
+    }
+    QTest::newRow("refused, Return") << refused << "Return";
+    QTest::newRow("refused, Enter") << refused << "Enter";
+}
+
+// Whatever is in it, also if nobody has typed anything; and without a word of acceptance.
+void TestQMLineEdit::ends()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, how);
+    if (!text.isEmpty())
+        m_editor->setText(text);
+    auto *neighbour = new QLineEdit(m_below.get());
+    neighbour->show();
+    QSignalSpy finished(m_editor, &QLineEdit::editingFinished);
+    QSignalSpy accepted(m_editor, &QLineEdit::returnPressed);
+    connect(m_editor, &QLineEdit::editingFinished, m_editor, [this] { m_editor->hide(); });
+    if (how == QLatin1String("focus")) {
+        neighbour->setFocus();
+    } else if (how == QLatin1String("wheel")) {
+        QWheelEvent wheel(QPointF(10, 10), m_below->mapToGlobal(QPoint(10, 10)), QPoint(),
+                          QPoint(0, 120), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(m_below.get(), &wheel);
+    } else if (how == QLatin1String("click")) {
+        QTest::mouseClick(m_below->windowHandle(), Qt::LeftButton, Qt::NoModifier, QPoint(20, 20));
+    } else {
+        const QKeySequence keys(how);
+        QTest::keyClick(m_editor, Qt::Key(keys[0] & ~Qt::KeyboardModifierMask),
+                        Qt::KeyboardModifiers(keys[0] & Qt::KeyboardModifierMask));
+    }
+    QCOMPARE(finished.count(), 1);
+    QCOMPARE(accepted.count(), 0);
+    QVERIFY(m_editor->isHidden());
+    QCOMPARE(m_editor->text(), text);
+}
+
+void TestQMLineEdit::wheelInsideGoesOn()
+{
+    QSignalSpy finished(m_editor, &QLineEdit::editingFinished);
+    QWheelEvent wheel(QPointF(10, 10), m_editor->mapToGlobal(QPoint(10, 10)), QPoint(),
+                      QPoint(0, 120), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(m_editor, &wheel);
+    QCOMPARE(finished.count(), 0);
 }
 
 void TestQMLineEdit::clicks_data()
