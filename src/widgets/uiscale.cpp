@@ -31,11 +31,17 @@ void fitText(QLabel *label, int width)
 {
     constexpr qreal smallestFont = 7.5;
     constexpr qreal step = 0.25;
+    constexpr int smallestStretch = 80; // per cent
     // Not its size hint, which is never less than the minimum width.
     const auto textWidth = [label] { return label->fontMetrics().size(0, label->text()).width(); };
     QFont font = label->font();
     while (textWidth() > width && font.pointSizeF() > smallestFont) {
         font.setPointSizeF(font.pointSizeF() - step);
+        label->setFont(font);
+    }
+    // Narrower letters can be read where smaller ones can't.
+    for (int stretch = 99; textWidth() > width && stretch >= smallestStretch; --stretch) {
+        font.setStretch(stretch);
         label->setFont(font);
     }
 }

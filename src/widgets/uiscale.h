@@ -22,8 +22,8 @@ int scaled(int length, double factor);
 void scaleWidget(QWidget *widget, float factor);
 
 /*!
- * Makes the font of \a label smaller until its text fits its minimum width: the fonts of a machine
- * can be wider than those of the design.
+ * Makes the font of \a label smaller, down to 7.5 points, and then its letters narrower until its
+ * text fits its minimum width: the fonts of a machine can be wider than those of the design.
  */
 void fitText(QLabel *label);
 
