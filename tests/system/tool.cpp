@@ -4,6 +4,7 @@
 #include "wait.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QRegularExpression>
 
@@ -17,6 +18,7 @@ namespace {
 constexpr int startLimit = 20000;
 constexpr int windowLimit = 10000;
 constexpr int killLimit = 5000;
+constexpr int settleTime = 100; // a window stays where it is
 
 // A hand's way from one place to another.
 constexpr int glideSteps = 12;
@@ -85,6 +87,7 @@ QVector<XDesktop::Window> Tool::windows() const
 XDesktop::Window Tool::awaitWindow(const QString &title, int milliseconds)
 {
     XDesktop::Window found;
+    QElapsedTimer sinceMoved; // the window manager may still be placing it
     QStringList seen;
     const auto isThere = [&] {
         seen.clear();
@@ -93,10 +96,13 @@ XDesktop::Window Tool::awaitWindow(const QString &title, int milliseconds)
             seen += QLatin1Char('"') + window.title + QLatin1Char('"');
             const bool isSought = !window.isPopup && window.id != m_mainWindow
                 && window.title == title && m_desktop.focusWindow() == window.id;
-            if (isSought)
-                found = window;
+            if (!isSought)
+                continue;
+            if (found.id != window.id || found.place != window.place)
+                sinceMoved.start();
+            found = window;
         }
-        return found.id != 0;
+        return found.id != 0 && sinceMoved.hasExpired(settleTime);
     };
     const bool hasCome = waitUntil(isThere, milliseconds);
     require(hasCome,
