@@ -148,19 +148,23 @@ void TestUiScale::fitsText_data()
 {
     QTest::addColumn<double>("share"); // of the width that the text takes
     QTest::addColumn<bool>("shrinks");
+    QTest::addColumn<bool>("narrows");
     QTest::addColumn<bool>("fits");
 
-    QTest::newRow("wide enough") << 1.0 << false << true;
-    QTest::newRow("a little too narrow") << 0.9 << true << true;
-    QTest::newRow("much too narrow: not below 7.5 points") << 0.1 << true << false;
+    QTest::newRow("wide enough") << 1.0 << false << false << true;
+    QTest::newRow("a little too narrow") << 0.9 << true << false << true;
+    QTest::newRow("narrower letters at 7.5 points") << 0.58 << true << true << true;
+    QTest::newRow("much too narrow: not below 7.5 points and 80 %") << 0.1 << true << true << false;
 }
 
 void TestUiScale::fitsText()
 {
     QFETCH(double, share);
     QFETCH(bool, shrinks);
+    QFETCH(bool, narrows);
     QFETCH(bool, fits);
     constexpr qreal design = 12;
+    constexpr qreal smallest = 7.5;
     QLabel label(QStringLiteral("Saving rules in the EEPROM"));
     QFont font = label.font();
     font.setPointSizeF(design);
@@ -169,14 +173,23 @@ void TestUiScale::fitsText()
 
     fitText(&label);
 
-    QCOMPARE(label.font().pointSizeF() < design, shrinks);
+    font = label.font();
+    QCOMPARE(font.pointSizeF() < design, shrinks);
+    QCOMPARE(font.stretch() != QFont::AnyStretch, narrows);
     QCOMPARE(label.sizeHint().width() <= label.minimumWidth(), fits);
-    if (!fits)
-        QCOMPARE(label.font().pointSizeF(), 7.5);
-    // No smaller than needed.
+    if (narrows)
+        QCOMPARE(font.pointSizeF(), smallest);
+    if (!fits) {
+        QCOMPARE(font.stretch(), 80);
+        return;
+    }
+    // No smaller and no narrower than needed.
     if (!shrinks)
         return;
-    font.setPointSizeF(label.font().pointSizeF() + 0.25);
+    if (narrows)
+        font.setStretch(font.stretch() + 1);
+    else
+        font.setPointSizeF(font.pointSizeF() + 0.25);
     label.setFont(font);
     QVERIFY(label.sizeHint().width() > label.minimumWidth());
 }
