@@ -32,6 +32,7 @@ class tst_NmeaSerialPortFaults : public QObject
     Q_OBJECT
 
 private slots:
+    void settingsOfTheLine();
     void deletedAsTheOpenFails();
     void deletedAsTheSearchEnds();
     void connectedAtTheLastStep();
@@ -95,6 +96,20 @@ bool openAndHear(LinkRig &rig)
 }
 
 } // namespace
+
+void tst_NmeaSerialPortFaults::settingsOfTheLine()
+{
+    const PortFinder finder;
+    LinkRig rig;
+    QVERIFY(openAndHear(rig));
+    QVERIFY(finder.port());
+    QCOMPARE(finder.port()->dataBits(), QSerialPort::Data8);
+    QCOMPARE(finder.port()->parity(), QSerialPort::NoParity);
+    QCOMPARE(finder.port()->stopBits(), QSerialPort::OneStop);
+    QCOMPARE(finder.port()->flowControl(), QSerialPort::NoFlowControl);
+    QCOMPARE(finder.port()->baudRate(QSerialPort::Input), 4800);
+    QCOMPARE(finder.port()->baudRate(QSerialPort::Output), 4800);
+}
 
 void tst_NmeaSerialPortFaults::deletedAsTheOpenFails()
 {
