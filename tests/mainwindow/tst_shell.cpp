@@ -11,6 +11,8 @@
 #include <QFrame>
 #include <QGuiApplication>
 #include <QLabel>
+#include <QMap>
+#include <QMetaMethod>
 #include <QPushButton>
 #include <QScopeGuard>
 #include <QScreen>
@@ -33,6 +35,7 @@ private slots:
     void initTestCase();
     void cleanup();
 
+    void signalsAndSlots();
     void title();
     void topBar_data();
     void topBar();
@@ -52,7 +55,6 @@ private slots:
 
 private:
     void publish(const QString &name);
-    void withdraw(const QString &name);
     QStringList listed(const MainWindow &window) const;
 
     QTemporaryDir m_runtime;
@@ -108,11 +110,6 @@ void tst_shell::publish(const QString &name)
     QVERIFY(QFile::link(QFile::decodeName(ptsname(master)), m_folder.filePath(name)));
 }
 
-void tst_shell::withdraw(const QString &name)
-{
-    QVERIFY(QFile::remove(m_folder.filePath(name)));
-}
-
 QStringList tst_shell::listed(const MainWindow &window) const
 {
     const auto *box = window.findChild<QComboBox *>(QStringLiteral("comboBox_connect_port"));
@@ -120,6 +117,53 @@ QStringList tst_shell::listed(const MainWindow &window) const
     for (int i = 0; i < box->count(); ++i)
         names += box->itemText(i);
     return names;
+}
+
+// The window's own, as its meta-object has them.
+void tst_shell::signalsAndSlots()
+{
+    QStringList expected =
+        QString::fromLatin1(
+            "slotRescanPorts() slotConnectPort() slotProgress(int) "
+            "slotConnectEstablish(uchar) slotErrorOpenPort() slotTimeOutConnectPort() "
+            "slotConnectBusy() slotVRNewRule(uchar,int,uchar,uchar) "
+            "slotVRNewFilterMask(uchar,int,uint) slotVRNewHdr(uchar,int,QString) "
+            "slotVRNewFilterStr(uchar,QString) slotVRNewPortSpeed(uchar,uint) "
+            "slotVRNewPortName(bool,uchar,QString) slotVRUpdateVRData() "
+            "slotVRVersion(uint,uint) slotVRMode(QString) slotVRErrorsCode(uint,uint) "
+            "slotUsedFlashBank(uint) slotVRLockStatus(bool,uchar) slotVRSendDisconnect() "
+            "slotSaveToEeprom() slotVRSaveToEepromOk() slotVRSaveToEepromError() "
+            "slotServiceClicked() slotRequestStatusErrors(uint) slotClearStatusErrors() "
+            "slotSendLockPassword(QString) slotSendUnlockPassword(QString) "
+            "slotSendRemovePassword() slotVRViewPassword() slotSendMode(QString) "
+            "slotLockClicked() slotStartFirmwareUpdate() slotCancelFirmwareUpdate() "
+            "slotReadyFirmwareUpdate() slotFirmwareError(uint) slotFirmwareOk() "
+            "slotFirmwarePacket(uint) slotFirmwareTimeout() slotSaveToFile() "
+            "slotLoadFromFile() slotPressEvent(DragFrame*) slotReleaseEvent(DragFrame*) "
+            "slotEnterEvent(DragFrame*) slotDropEvent(DragFrame*) "
+            "slotOutputPortButttonClicked() slotChannelButtonClicked() "
+            "slotCrsCheckChanged(bool) slotReturnInputPorts() "
+            "SetSmartButtonColor(uchar,bool) slotFilterSetClicked() "
+            "slotRequestFilterList(uint) slotFilterCheckChanged(bool) "
+            "slotHdrCheckChanged(bool) slotHdrSetClicked() slotSmartClicked() "
+            "slotPortSpeedChanged(QString) slotInputPortEditName(DragFrame*) "
+            "slotOutputPortButtonRightClicked() slotEditPortNameOk() "
+            "slotEditOutputPortNameOk() slotEditPortNameFinish() slotVRPortView(uchar) "
+            "slotNMEAReceive(QString) slotStringTimer() slotPlayNMEA() slotCRSError() "
+            "slotButSmallStatus() slotButBigStatus() slotButViewSpeed()")
+            .split(' ');
+    QStringList slotNames;
+    QStringList signalNames;
+    const QMetaObject &window = MainWindow::staticMetaObject;
+    for (int i = window.methodOffset(); i < window.methodCount(); ++i) {
+        const QMetaMethod method = window.method(i);
+        QStringList &names = method.methodType() == QMetaMethod::Signal ? signalNames : slotNames;
+        names += QString::fromLatin1(method.methodSignature());
+    }
+    expected.sort();
+    slotNames.sort();
+    QCOMPARE(signalNames, QStringList("exitWaitSaveDlg()"));
+    QCOMPARE(slotNames, expected);
 }
 
 void tst_shell::title()
@@ -277,23 +321,42 @@ void tst_shell::labelsShowTheirWholeText()
     }
 }
 
+// All three columns end above the status bar, but no lower than in a window of full height, and no
+// higher than their own top.
 void tst_shell::lowWindowScrolls()
 {
     MainWindow window;
     window.show();
-    const auto *area = window.findChild<QWidget *>(QStringLiteral("scrollAreaInputPorts"));
     const auto *bar = window.findChild<QStatusBar *>();
-    window.resize(window.width(), window.minimumHeight() + 100);
-    QCoreApplication::processEvents();
-    QCOMPARE(area->y() + area->height(), bar->y() - 1);
+    const int full = cut(600, m_scale) + cut(197, m_scale);
+    const auto toHeight = [&window](int height) {
+        window.resize(window.width(), height);
+        QCoreApplication::processEvents();
+        QCOMPARE(window.height(), height);
+    };
+    toHeight(full);
+    QMap<const QWidget *, QRect> designs;
+    for (const char *name :
+         {"scrollAreaInputPorts", "scrollAreaInputChannels", "scrollAreaOutputPorts"}) {
+        const auto *area = window.findChild<QWidget *>(QString::fromLatin1(name));
+        designs[area] = area->geometry();
+    }
+    QCOMPARE(designs.size(), 3);
+    QCOMPARE(designs[window.findChild<QWidget *>("scrollAreaInputPorts")].height(),
+             cut(477, m_scale));
 
-    window.resize(window.width(), window.minimumHeight());
-    QCoreApplication::processEvents();
-    QCOMPARE(area->height(), 0);
-
-    window.resize(window.width(), cut(600, m_scale) + cut(197, m_scale));
-    QCoreApplication::processEvents();
-    QCOMPARE(area->height(), cut(477, m_scale));
+    for (const int height : {window.minimumHeight(), window.minimumHeight() + 100, full - 60,
+                             full - 1, full, full + 50}) {
+        toHeight(height);
+        for (auto design = designs.cbegin(); design != designs.cend(); ++design) {
+            const int bottom = qMin(design->y() + design->height(), bar->y() - 1);
+            QCOMPARE(design.key()->pos(), design->topLeft());
+            QCOMPARE(design.key()->height(), qMax(0, bottom - design->y()));
+        }
+    }
+    toHeight(window.minimumHeight());
+    for (auto design = designs.cbegin(); design != designs.cend(); ++design)
+        QCOMPARE(design.key()->height(), 0);
 }
 
 void tst_shell::rescanKeepsTheCurrentPort()
@@ -324,17 +387,21 @@ void tst_shell::rescanSortsByCase()
                           QStringLiteral("b")}));
 }
 
+// None of the names that are like the one that has gone takes its place.
 void tst_shell::rescanFallsBackToTheFirst()
 {
-    publish(QStringLiteral("mmm"));
+    QStringList ports{"AAA", "mmm"};
+    platform::setSystemPortSource([&ports] { return ports; });
+    const auto restore = qScopeGuard([] { platform::setSystemPortSource({}); });
     MainWindow window;
     auto *box = window.findChild<QComboBox *>(QStringLiteral("comboBox_connect_port"));
     box->setCurrentText(QStringLiteral("mmm"));
-    publish(QStringLiteral("MMM"));
-    withdraw(QStringLiteral("mmm"));
+    QCOMPARE(box->currentIndex(), 1);
+    ports = QStringList{"AAA", "MMM", "a mmm", "mmm2", "mm"};
     window.slotRescanPorts();
+    QCOMPARE(listed(window), (QStringList{"AAA", "MMM", "a mmm", "mm", "mmm2"}));
     QCOMPARE(box->currentIndex(), 0);
-    QVERIFY(!listed(window).contains(QStringLiteral("mmm")));
+    QCOMPARE(box->currentText(), QStringLiteral("AAA"));
 }
 
 void tst_shell::noPortDisablesConnect()
