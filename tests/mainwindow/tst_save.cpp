@@ -30,6 +30,9 @@ private slots:
     void secondSaveWhileOneGoesOn();
     void resultWithoutASave();
     void nothingWhileNotConnected();
+    void disconnectedUnderTheQuestion();
+    void waitDialogIsTheApplications();
+    void boxesBelongToTheWindow();
 };
 
 namespace {
@@ -230,7 +233,7 @@ void tst_save::linkDiesWhileWaiting()
     QVERIFY2(bench.connectToRouter(), qPrintable(bench.boxes.report()));
 }
 
-// The question goes with the link; its answer, had it come, would have meant nothing.
+// The question goes with the link.
 void tst_save::linkDiesUnderTheQuestion()
 {
     WindowBench bench;
@@ -346,6 +349,64 @@ void tst_save::nothingWhileNotConnected()
     WindowBench bench;
     bench.window.slotSaveToEeprom();
     QVERIFY(!::waitDialog(bench));
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+// The user's own farewell leaves the question open, and its answer means nothing then.
+void tst_save::disconnectedUnderTheQuestion()
+{
+    WindowBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.router.clearTranscript();
+    BoxAnswer::Box open = question(QMessageBox::NoButton);
+    open.whileOpen = [&bench](QMessageBox &box) {
+        QTRY_VERIFY(!bench.window.isConnected());
+        box.button(QMessageBox::Ok)->click();
+    };
+    bench.boxes.expect(farewell()).expect(open);
+    bench.find<QPushButton>("pushButton_connect")->click();
+    QVERIFY(bench.window.isConnected());
+    bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+    QVERIFY(!bench.window.isConnected());
+    QVERIFY(!::waitDialog(bench));
+    QTRY_VERIFY(bench.heard().endsWith("$VRDCN\r\n"));
+}
+
+void tst_save::waitDialogIsTheApplications()
+{
+    WindowBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.boxes.expect(question()).expect(completed());
+    bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
+    const QPointer<QDialog> dialog = ::waitDialog(bench);
+    QVERIFY(dialog);
+    QCOMPARE(dialog->windowTitle(), QStringLiteral("Dialog"));
+    QCOMPARE(dialog->windowModality(), Qt::ApplicationModal);
+    QCOMPARE(dialog->parentWidget(), &bench.window);
+    QVERIFY(QMetaObject::invokeMethod(dialog, "slotExitDlg"));
+    QVERIFY(!dialog->isVisible());
+    QCOMPARE(dialog->result(), int(QDialog::Accepted));
+    QTRY_VERIFY_WITH_TIMEOUT(!dialog, 10000);
+}
+
+void tst_save::boxesBelongToTheWindow()
+{
+    WindowBench bench;
+    const auto ofTheWindow = [&bench](BoxAnswer::Box box) {
+        box.parent = &bench.window;
+        return box;
+    };
+    QVERIFY(bench.connectToRouter());
+    bench.boxes.expect(ofTheWindow(question())).expect(ofTheWindow(completed()));
+    bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
+    QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.answered() == 3, 10000);
+    bench.boxes.expect(ofTheWindow(failed()));
+    bench.router.sendLine("$VRSRE\r\n");
+    QTRY_COMPARE(bench.boxes.answered(), 4);
+    bench.boxes.expect(ofTheWindow(farewell()));
+    bench.find<QPushButton>("pushButton_connect")->click();
+    QTRY_VERIFY(!bench.window.isConnected());
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
 
