@@ -1,3 +1,6 @@
+#include "link/nmeaserialport.h"
+#include "scriptedbench.h"
+#include "support/checkedline.h"
 #include "windowbench.h"
 
 #include <QComboBox>
@@ -5,6 +8,9 @@
 #include <QProgressBar>
 #include <QProgressDialog>
 #include <QPushButton>
+
+#include <memory>
+#include <utility>
 
 using tk7sim::Fault;
 
@@ -23,11 +29,43 @@ private slots:
     void portThatWontOpen();
     void noSecondAnswer();
     void wrongChecksums();
+    void checksumCountBeginsWithTheConnection();
+    void versionKnownBeforeTheConnection();
+    void boxesBelongToTheWindow_data();
+    void boxesBelongToTheWindow();
     void linkDiesUnderAnOpenBox();
 
 private:
     static void verifyConnectsAgain(WindowBench &bench);
 };
+
+namespace {
+
+// What the user sees of the count of bad checksums.
+QString shownCount(const MainWindow &window)
+{
+    const auto *count = window.findChild<QLabel *>(QStringLiteral("labelCrsErrorsCount"));
+    const auto *label = window.findChild<QLabel *>(QStringLiteral("labelCrsLabel"));
+    return QStringLiteral("\"%1\", %2, %3 %4")
+        .arg(count->text(), count->styleSheet())
+        .arg(label->isVisible())
+        .arg(count->isVisible());
+}
+
+const QString noCount = QStringLiteral("\"\", QLabel{color: default}, 0 0");
+const QString countOfNothing = QStringLiteral("\"0\", QLabel{color: default}, 0 0");
+const QString countInTheSearch = QStringLiteral("\"\", QLabel{color: red}, 1 1");
+
+// What was shown after each bad checksum of the search that has just begun.
+std::shared_ptr<QStringList> followCount(const MainWindow &window)
+{
+    auto shown = std::make_shared<QStringList>();
+    QObject::connect(window.currentLink(), &NmeaSerialPort::signalCommandCRSError, &window,
+                     [shown, &window] { *shown += shownCount(window); });
+    return shown;
+}
+
+} // namespace
 
 void tst_connect::verifyConnectsAgain(WindowBench &bench)
 {
@@ -63,6 +101,7 @@ void tst_connect::connectsFromEverySpeed()
     QCOMPARE(bench.find<QLabel>("label_3")->text(), QStringLiteral("TK-7 Router:"));
     QCOMPARE(bench.find<QLabel>("label_vr48_status")->text(), QStringLiteral("Connected"));
     QCOMPARE(bench.find<QLabel>("label_vr48_port")->text(), QStringLiteral("Port:7"));
+    QTRY_VERIFY(!bench.window.findChild<QProgressDialog *>());
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
 
@@ -77,6 +116,9 @@ void tst_connect::progressDialog()
     QVERIFY(dialog);
     QVERIFY(dialog->isVisible());
     QVERIFY(!bench.find<QPushButton>("pushButton_connect")->isEnabled());
+    QVERIFY(bench.find<QComboBox>("comboBox_connect_port")->isEnabled());
+    QVERIFY(bench.find<QPushButton>("pushButton_rescan_ports")->isEnabled());
+    QVERIFY(!bench.find<QPushButton>("pushButton_SaveEEPROM")->isEnabled());
     QCOMPARE(dialog->labelText(), QStringLiteral("Connecting TK-7...       "));
     QVERIFY(dialog->findChildren<QPushButton *>().isEmpty());
     QCOMPARE(dialog->minimum(), 0);
@@ -174,16 +216,93 @@ void tst_connect::noSecondAnswer()
     bench.verifyIdle();
 }
 
-// Every answer is counted as a bad checksum, and none is taken for an answer.
+// Every answer is counted as a bad checksum, and none is taken for an answer. The number itself is
+// shown in a connection only.
 void tst_connect::wrongChecksums()
 {
+    constexpr int speeds = 7;
     WindowBench bench;
     bench.router.setFault(Fault::WrongChecksums);
     bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    QCOMPARE(shownCount(bench.window), noCount);
     bench.find<QPushButton>("pushButton_connect")->click();
+    const auto shown = followCount(bench.window);
     QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.answered() == 1, 10000);
+    QVERIFY(!shown->isEmpty() && shown->size() <= speeds);
+    for (const QString &count : qAsConst(*shown))
+        QCOMPARE(count, countInTheSearch);
     bench.verifyIdle();
+    QCOMPARE(shownCount(bench.window), noCount);
     verifyConnectsAgain(bench);
+}
+
+void tst_connect::checksumCountBeginsWithTheConnection()
+{
+    ScriptedBench bench;
+    bool isWrong = true;
+    bench.onLine = [&](const QByteArray &sentence) {
+        if (sentence == "$VRCNT\r\n" && std::exchange(isWrong, false))
+            bench.line.write(wronglyCheckedLine("$VRVER,3.4"));
+    };
+    bench.boxes.expect(WindowBench::downloadBox());
+    bench.find<QPushButton>("pushButton_connect")->click();
+    const auto shown = followCount(bench.window);
+    QTRY_COMPARE(bench.boxes.answered(), 1);
+    QCOMPARE(*shown, QStringList(countInTheSearch));
+    QVERIFY(bench.window.isConnected());
+    QCOMPARE(shownCount(bench.window), countOfNothing);
+}
+
+// It comes between the router's two answers, so it is shown as soon as the connection stands, and
+// not asked for.
+void tst_connect::versionKnownBeforeTheConnection()
+{
+    ScriptedBench bench;
+    bool isFirst = true;
+    bench.onLine = [&](const QByteArray &sentence) {
+        if (sentence == "$VRCNT\r\n" && std::exchange(isFirst, false))
+            bench.say("$VRVER,9.81");
+    };
+    const auto *label = bench.find<QLabel>("label_firmware_version");
+    bench.boxes.expect(WindowBench::downloadBox());
+    bench.find<QPushButton>("pushButton_connect")->click();
+    QString before;
+    connect(bench.window.currentLink(), &NmeaSerialPort::signalVRVersion, &bench.window,
+            [&] { before = label->text() + QLatin1Char('.'); });
+    QTRY_COMPARE(bench.boxes.answered(), 1);
+    QCOMPARE(before, QStringLiteral("."));
+    QCOMPARE(label->text(), QStringLiteral("fw: v.9.81"));
+    bench.waitUntilHeard();
+    QVERIFY(!bench.heard().contains("$VRVER\r\n"));
+}
+
+void tst_connect::boxesBelongToTheWindow_data()
+{
+    QTest::addColumn<int>("fault"); // -1: the port won't open
+    QTest::addColumn<QString>("text");
+    QTest::newRow("open error") << -1 << "Error open COM port";
+    QTest::newRow("time-out") << int(Fault::Silent) << "Connection timeout";
+    QTest::newRow("busy") << int(Fault::Busy) << "TK-7 Router Busy another Control programm";
+}
+
+void tst_connect::boxesBelongToTheWindow()
+{
+    QFETCH(int, fault);
+    QFETCH(QString, text);
+    WindowBench bench;
+    if (fault >= 0) {
+        bench.router.setFault(Fault(fault));
+    } else {
+        auto *ports = bench.find<QComboBox>("comboBox_connect_port");
+        ports->addItem(QStringLiteral("/dev/null/none"));
+        ports->setCurrentIndex(ports->count() - 1);
+    }
+    BoxAnswer::Box box = WindowBench::linkBox(text);
+    box.parent = &bench.window;
+    bench.boxes.expect(box);
+    bench.find<QPushButton>("pushButton_connect")->click();
+    QTRY_VERIFY_WITH_TIMEOUT(!bench.window.currentLink(), 10000);
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
 
 // The box of the download is open while the router falls silent: the box goes, the warning comes.
