@@ -52,6 +52,14 @@ private slots:
 
     void floodIsHarmless();
 
+    void looks_data();
+    void looks();
+    void sheets_data();
+    void sheets();
+    void timerOfTheRows();
+    void lockLabelFoldsToo();
+    void unfoldsInATallWindow();
+
 private:
     static QListWidget *list(const WindowBench &bench);
     static QStringList rows(const WindowBench &bench);
@@ -139,6 +147,17 @@ void tst_monitor::firstState()
     const auto *website = bench.find<QLabel>("label_website");
     QVERIFY(website->openExternalLinks());
     QCOMPARE(int(website->textInteractionFlags()), 13);
+    QVERIFY(website->text().startsWith(QLatin1String("<a href=\"https://www.example.com/\"")));
+    QVERIFY(website->text().endsWith(QLatin1String(">www.example.com</a>")));
+    QCOMPARE(bench.find<QLabel>("label_receive_port")->font().pointSize(), 10);
+    // The other gets smaller by quarters where the machine's font is wider than the design's.
+    const auto *label = bench.find<QLabel>("label");
+    QFont fitting = label->font();
+    fitting.setPointSizeF(10);
+    while (fitting.pointSizeF() > 7.5
+           && QFontMetrics(fitting).size(0, label->text()).width() > label->minimumWidth())
+        fitting.setPointSizeF(fitting.pointSizeF() - 0.25);
+    QCOMPARE(label->font().pointSizeF(), fitting.pointSizeF());
 }
 
 void tst_monitor::form_data()
@@ -438,7 +457,7 @@ void tst_monitor::endOfTheConnectionEmptiesTheList()
     WindowBench bench;
     QVERIFY(bench.connectToRouter());
     view(bench, 0xF3);
-    QTRY_VERIFY(!rows(bench).isEmpty());
+    QTRY_VERIFY(rows(bench).contains(QStringLiteral("---- INPUT PORT 3 ----")));
     bench.window.slotNMEAReceive(QStringLiteral("pending"));
     bench.boxes.expect(
         WindowBench::linkBox(QStringLiteral("TK-7 Router Busy another Control programm")));
@@ -725,6 +744,108 @@ void tst_monitor::floodIsHarmless()
     QVERIFY(longest <= 100);
     QVERIFY(list(bench)->count() > 50);
     QVERIFY(bench.window.isConnected());
+}
+
+void tst_monitor::looks_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("property");
+    QTest::addColumn<QVariant>("expected");
+    QTest::newRow("panel has no frame")
+        << "frame_nmea_output" << QByteArray("frameShape") << QVariant(int(QFrame::NoFrame));
+    QTest::newRow("line is horizontal")
+        << "line" << QByteArray("frameShape") << QVariant(int(QFrame::HLine));
+    QTest::newRow("line is sunken")
+        << "line" << QByteArray("frameShadow") << QVariant(int(QFrame::Sunken));
+    QTest::newRow("lock") << "label_lock" << QByteArray("text") << QVariant("LOCK");
+}
+
+void tst_monitor::looks()
+{
+    QFETCH(QString, name);
+    QFETCH(QByteArray, property);
+    QFETCH(QVariant, expected);
+    WindowBench bench;
+    QVariant value = bench.find<QWidget>(name)->property(property.constData());
+    QVERIFY(value.isValid() && value.convert(int(expected.type())));
+    QCOMPARE(value, expected);
+}
+
+void tst_monitor::sheets_data()
+{
+    QTest::addColumn<QString>("sheet");
+    const QString button =
+        QStringLiteral("QLabel { background-color: rgb(%1); color: white; border-style: inset; "
+                       "border-width: 1px; font-size:10pt}");
+    QTest::newRow("label_receive_port") << "QLabel { color : rgb(255,95,0); }";
+    QTest::newRow("label_rs422") << button.arg("5,0,180");
+    QTest::newRow("label_rs232") << button.arg("29,177,0");
+    QTest::newRow("label_view") << button.arg("255,95,0");
+    QTest::newRow("label_website") << button.arg("85,40,245");
+}
+
+void tst_monitor::sheets()
+{
+    WindowBench bench;
+    QTEST(bench.find<QLabel>(QString::fromLatin1(QTest::currentDataTag()))->styleSheet(), "sheet");
+}
+
+// It alone sets the pace of the rows, five times a second, and runs in a link's time only.
+void tst_monitor::timerOfTheRows()
+{
+    constexpr int pace = 200;
+    WindowBench bench;
+    const auto running = [&bench] {
+        QList<int> intervals;
+        const auto timers =
+            bench.window.findChildren<QTimer *>(QString(), Qt::FindDirectChildrenOnly);
+        for (const QTimer *timer : timers) {
+            if (timer->isActive())
+                intervals += timer->interval();
+        }
+        return intervals;
+    };
+    QCOMPARE(running(), QList<int>());
+    bench.boxes.expect(WindowBench::downloadBox());
+    bench.find<QPushButton>("pushButton_connect")->click();
+    QCOMPARE(running(), QList<int>{pace});
+    QTRY_COMPARE(bench.boxes.answered(), 1);
+    QCOMPARE(running(), QList<int>{pace});
+    bench.boxes.expect(
+        WindowBench::linkBox(QStringLiteral("TK-7 Router Busy another Control programm")));
+    bench.router.sendLine("$VRCNB\r\n");
+    QTRY_VERIFY(!bench.window.isConnected());
+    QCOMPARE(running(), QList<int>());
+}
+
+void tst_monitor::lockLabelFoldsToo()
+{
+    WindowBench bench;
+    bench.window.resize(853, 797);
+    QCoreApplication::processEvents();
+    const auto *lock = bench.find<QLabel>("label_lock");
+    QCOMPARE(lock->pos(), QPoint(200, 172));
+    bench.window.slotButSmallStatus();
+    QCOMPARE(lock->pos(), QPoint(200, 3));
+    bench.window.slotButBigStatus();
+    QCOMPARE(lock->pos(), QPoint(200, 172));
+}
+
+// The panel comes back as high as it was folded, and the window gets no lower than that allows.
+void tst_monitor::unfoldsInATallWindow()
+{
+    constexpr int panel = 197 + 100;
+    WindowBench bench;
+    bench.window.resize(853, 797 + 100);
+    QCoreApplication::processEvents();
+    bench.window.slotButSmallStatus();
+    QCoreApplication::processEvents();
+    QCOMPARE(bench.window.height(), 630);
+    bench.window.slotButBigStatus();
+    QCoreApplication::processEvents();
+    QCOMPARE(bench.window.minimumHeight(), 47 + panel);
+    QCOMPARE(bench.window.height(), 897);
+    QCOMPARE(bench.find<QStatusBar>("statusBar")->height(), panel);
 }
 
 QTEST_MAIN(tst_monitor)
