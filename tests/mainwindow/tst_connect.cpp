@@ -31,6 +31,8 @@ private slots:
     void wrongChecksums();
     void checksumCountBeginsWithTheConnection();
     void versionKnownBeforeTheConnection();
+    void viewBeforeTheConnection();
+    void nothingIsKnownOfTheNextConnection();
     void boxesBelongToTheWindow_data();
     void boxesBelongToTheWindow();
     void linkDiesUnderAnOpenBox();
@@ -274,6 +276,47 @@ void tst_connect::versionKnownBeforeTheConnection()
     QCOMPARE(label->text(), QStringLiteral("fw: v.9.81"));
     bench.waitUntilHeard();
     QVERIFY(!bench.heard().contains("$VRVER\r\n"));
+}
+
+// Nothing is under view before there is a connection, whatever the router says.
+void tst_connect::viewBeforeTheConnection()
+{
+    ScriptedBench bench;
+    bool isFirst = true;
+    bench.onLine = [&](const QByteArray &sentence) {
+        if (sentence == "$VRCNT\r\n" && std::exchange(isFirst, false))
+            bench.sayBare("$VRVVW,243");
+    };
+    bench.find<QPushButton>("pushButton_play")->click();
+    const QString paused = bench.find<QPushButton>("pushButton_play")->accessibleName();
+    bench.boxes.expect(WindowBench::downloadBox());
+    bench.find<QPushButton>("pushButton_connect")->click();
+    const QSignalSpy views(bench.window.currentLink(), &NmeaSerialPort::signalVRPortView);
+    QTRY_COMPARE(bench.boxes.answered(), 1);
+    QCOMPARE(views.count(), 1);
+    QCOMPARE(bench.find<QLabel>("label_receive_port")->text(), QString());
+    QCOMPARE(bench.find<QPushButton>("pushButton_play")->accessibleName(), paused);
+}
+
+// What the router of the last connection has told of itself went with it.
+void tst_connect::nothingIsKnownOfTheNextConnection()
+{
+    ScriptedBench bench;
+    QVERIFY(bench.connectToRouter());
+    const auto *version = bench.find<QLabel>("label_firmware_version");
+    const auto *mode = bench.find<QLabel>("label_firmware_mode");
+    QVERIFY(!version->text().isEmpty() && !mode->text().isEmpty());
+    bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    bench.endLink();
+    QVERIFY(!bench.window.isConnected());
+
+    bench.boxes.expect(WindowBench::downloadBox());
+    bench.find<QPushButton>("pushButton_connect")->click();
+    QString shown;
+    connect(bench.window.currentLink(), &NmeaSerialPort::signalVRConnect, &bench.window,
+            [&] { shown = QStringLiteral("\"%1\" \"%2\"").arg(version->text(), mode->text()); });
+    QTRY_COMPARE(bench.boxes.answered(), 3);
+    QCOMPARE(shown, QStringLiteral("\"\" \"\""));
 }
 
 void tst_connect::boxesBelongToTheWindow_data()

@@ -59,6 +59,7 @@ private slots:
     void timerOfTheRows();
     void lockLabelFoldsToo();
     void unfoldsInATallWindow();
+    void unfoldsInALowWindow();
 
 private:
     static QListWidget *list(const WindowBench &bench);
@@ -846,6 +847,22 @@ void tst_monitor::unfoldsInATallWindow()
     QCOMPARE(bench.window.minimumHeight(), 47 + panel);
     QCOMPARE(bench.window.height(), 897);
     QCOMPARE(bench.find<QStatusBar>("statusBar")->height(), panel);
+}
+
+// A window that was drawn lower since has no room for the panel of the tall one.
+void tst_monitor::unfoldsInALowWindow()
+{
+    WindowBench bench;
+    bench.window.resize(853, 797 + 100);
+    QCoreApplication::processEvents();
+    bench.window.slotButSmallStatus();
+    bench.window.resize(853, 629);
+    QCoreApplication::processEvents();
+    bench.window.slotButBigStatus();
+    QCoreApplication::processEvents();
+    QCOMPARE(bench.window.minimumHeight(), 47 + 197);
+    QCOMPARE(bench.window.height(), 629 + 197 - 30);
+    QCOMPARE(bench.find<QStatusBar>("statusBar")->height(), 197);
 }
 
 QTEST_MAIN(tst_monitor)
