@@ -1,6 +1,7 @@
 #include "linkjournal.h"
 #include "support/checkedline.h"
 
+#include <QMetaMethod>
 #include <QtTest>
 
 #include <functional>
@@ -14,6 +15,7 @@ private slots:
     void init();
     void cleanup();
 
+    void signalsAndSlots();
     void sentencesBySlot_data() { sentences(); }
     void sentencesBySlot();
     void sentencesByBytes_data() { sentences(); }
@@ -136,6 +138,34 @@ const QVector<Word> twelveWordValues{{0x12, 0x34}, {0x04, 0xf0}, {0xff, 0xff}, {
 const QVector<quint32> sixMaskValues{0, 1, 0x80000000, 0xffffffff, 0x12345678, 0xa5a5c3c3};
 
 } // namespace
+
+// The link's own, as its meta-object has them, in their order.
+void tst_Dispatch::signalsAndSlots()
+{
+    const QString expected = QString::fromLatin1(
+        "signalErrorOpenPort() signalErrorWritePort() signalVRNMEA_receive(QString) "
+        "signalNMEA_receive(QString) signalVRConnect(uchar) signalVRTimeOutConnect() "
+        "signalVRBusy() signalVRTimeOutConfirm() signalVRNewRule(uchar,int,uchar,uchar) "
+        "signalVRNewFilterMask(uchar,int,uint) signalVRNewHdr(uchar,int,QString) "
+        "signalVRNewFilterStr(uchar,QString) signalVRNewPortSpeed(uchar,uint) "
+        "signalVRUpdateVRData() signalVRConnectionProgress(int) signalVRCloseProgress() "
+        "signalVRPortView(uchar) signalVRNewPortName(bool,uchar,QString) "
+        "signalVRSaveEepromOk() signalVRSaveEepromError() signalVRSendDisconnect() "
+        "signalVRVersion(uint,uint) signalVRErrorsCode(uint,uint) signalVRMode(QString) "
+        "signalVRFwPacket(uint) signalVRReadyFirmwareUpdate() signalVRFwError(uint) "
+        "signalVRFwOk() signalVRStatusErrors(uint,uint,uint,uint,uint,uint) "
+        "signalVRSerial(QByteArray*) signalVRSetPasswordAnswer(bool) "
+        "signalVRLockStatus(bool,uchar) signalVRSendPassword(QString) "
+        "signalCommandCRSError() signalVRUsedFlashBank(uint) signalVRAISMessage(QString) "
+        "signalVRAISPosition(QString) slot_ReadyRead() slot_send_timer() "
+        "slot_connect_timer() slot_confirm_timer() slot_VRNMEA(QString)");
+    QStringList names;
+    const QMetaObject &link = NmeaSerialPort::staticMetaObject;
+    for (int i = link.methodOffset(); i < link.methodCount(); ++i)
+        names += QString::fromLatin1(link.method(i).methodSignature());
+    // The slots stand behind all signals.
+    QCOMPARE(names, expected.split(' '));
+}
 
 void tst_Dispatch::init()
 {
