@@ -8,6 +8,7 @@
 #include <QProgressBar>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QScopeGuard>
 
 #include <memory>
 #include <utility>
@@ -36,6 +37,8 @@ private slots:
     void boxesBelongToTheWindow_data();
     void boxesBelongToTheWindow();
     void linkDiesUnderAnOpenBox();
+    void windowUnderTheBox_data();
+    void windowUnderTheBox();
 
 private:
     static void verifyConnectsAgain(WindowBench &bench);
@@ -368,6 +371,64 @@ void tst_connect::linkDiesUnderAnOpenBox()
     bench.verifyIdle();
     silence.stop();
     verifyConnectsAgain(bench);
+}
+
+void tst_connect::windowUnderTheBox_data()
+{
+    QTest::addColumn<int>("fault"); // -1: the port won't open
+    QTest::addColumn<bool>("isConnection");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("canConnect");
+    const QString busy = QStringLiteral("TK-7 Router Busy another Control programm");
+    const QString timeout = QStringLiteral("Connection timeout");
+    QTest::newRow("open error") << -1 << false << "Error open COM port" << false;
+    QTest::newRow("busy in the search") << int(Fault::Busy) << false << busy << false;
+    QTest::newRow("time-out of the search") << int(Fault::Silent) << false << timeout << true;
+    QTest::newRow("busy in the connection") << int(Fault::Busy) << true << busy << true;
+    QTest::newRow("time-out in the connection") << int(Fault::Silent) << true << timeout << true;
+}
+
+// What the display told of the connection has gone when the box comes; the list of ports and the
+// save follow when it has been read.
+void tst_connect::windowUnderTheBox()
+{
+    QFETCH(int, fault);
+    QFETCH(bool, isConnection);
+    QFETCH(QString, text);
+    QFETCH(bool, canConnect);
+    WindowBench bench;
+    auto *button = bench.find<QPushButton>("pushButton_connect");
+    if (fault < 0) {
+        auto *ports = bench.find<QComboBox>("comboBox_connect_port");
+        ports->addItem(QStringLiteral("/dev/null/none"));
+        ports->setCurrentIndex(ports->count() - 1);
+    }
+    if (isConnection)
+        QVERIFY(bench.connectToRouter());
+    bool isSeen = false;
+    BoxAnswer::Box box = WindowBench::linkBox(text);
+    box.click = QMessageBox::NoButton;
+    box.whileOpen = [&](QMessageBox &open) {
+        isSeen = true;
+        const auto close = qScopeGuard([&open] { open.accept(); });
+        QCOMPARE(button->text(), QStringLiteral("Connect"));
+        QCOMPARE(button->isEnabled(), canConnect);
+        QCOMPARE(bench.find<QComboBox>("comboBox_connect_port")->isEnabled(), !isConnection);
+        QCOMPARE(bench.find<QPushButton>("pushButton_rescan_ports")->isEnabled(), !isConnection);
+        QCOMPARE(bench.find<QPushButton>("pushButton_SaveEEPROM")->isEnabled(), isConnection);
+        QCOMPARE(bench.find<QLabel>("label_vr48_status")->text(), QString());
+        QCOMPARE(bench.find<QLabel>("label_firmware_mode")->text(), QString());
+        QCOMPARE(bench.find<QLabel>("label_firmware_version")->text(), QString());
+    };
+    bench.boxes.expect(box);
+    if (isConnection && fault == int(Fault::Busy))
+        bench.router.sendLine("$VRCNB\r\n");
+    else if (fault >= 0)
+        bench.router.setFault(Fault(fault));
+    if (!isConnection)
+        button->click();
+    QTRY_VERIFY_WITH_TIMEOUT(isSeen && !bench.window.currentLink(), 10000);
+    bench.verifyIdle();
 }
 
 QTEST_MAIN(tst_connect)
