@@ -8,6 +8,8 @@
 
 using tk7sim::Fault;
 
+Q_DECLARE_METATYPE(BoxAnswer::Box)
+
 /*! The upload of the whole configuration and the save in the router's EEPROM. */
 class tst_save : public QObject
 {
@@ -33,6 +35,8 @@ private slots:
     void disconnectedUnderTheQuestion();
     void waitDialogIsTheApplications();
     void boxesBelongToTheWindow();
+    void waitDialogGoesBeforeTheBox_data();
+    void waitDialogGoesBeforeTheBox();
 };
 
 namespace {
@@ -407,6 +411,48 @@ void tst_save::boxesBelongToTheWindow()
     bench.boxes.expect(ofTheWindow(farewell()));
     bench.find<QPushButton>("pushButton_connect")->click();
     QTRY_VERIFY(!bench.window.isConnected());
+    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
+}
+
+void tst_save::waitDialogGoesBeforeTheBox_data()
+{
+    QTest::addColumn<QByteArray>("line"); // of the router; empty: none comes any more
+    QTest::addColumn<BoxAnswer::Box>("box");
+    QTest::newRow("saved") << QByteArray("$VRSRO\r\n") << completed();
+    QTest::newRow("not saved") << QByteArray("$VRSRE\r\n") << failed();
+    QTest::newRow("busy") << QByteArray("$VRCNB\r\n")
+                          << WindowBench::linkBox(
+                                 QStringLiteral("TK-7 Router Busy another Control programm"));
+    QTest::newRow("time-out") << QByteArray()
+                              << WindowBench::linkBox(QStringLiteral("Connection timeout"));
+}
+
+// It would lie above the box, and is modal.
+void tst_save::waitDialogGoesBeforeTheBox()
+{
+    QFETCH(QByteArray, line);
+    QFETCH(BoxAnswer::Box, box);
+    WindowBench bench;
+    QVERIFY(bench.connectToRouter());
+    bench.router.setSaveDuration(longSave);
+    bench.boxes.expect(question());
+    bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
+    QVERIFY(::waitDialog(bench));
+    bool isSeen = false;
+    bool hasGone = false;
+    box.click = QMessageBox::NoButton;
+    box.whileOpen = [&](QMessageBox &open) {
+        hasGone = !::waitDialog(bench);
+        isSeen = true;
+        open.accept();
+    };
+    bench.boxes.expect(box);
+    if (line.isEmpty())
+        bench.router.setFault(Fault::Silent);
+    else
+        bench.router.sendLine(line);
+    QTRY_VERIFY_WITH_TIMEOUT(isSeen, 10000);
+    QVERIFY(hasGone);
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
 }
 
