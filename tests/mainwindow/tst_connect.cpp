@@ -34,6 +34,8 @@ private slots:
     void versionKnownBeforeTheConnection();
     void viewBeforeTheConnection();
     void nothingIsKnownOfTheNextConnection();
+    void viewEndsWithTheConnection_data();
+    void viewEndsWithTheConnection();
     void boxesBelongToTheWindow_data();
     void boxesBelongToTheWindow();
     void linkDiesUnderAnOpenBox();
@@ -320,6 +322,40 @@ void tst_connect::nothingIsKnownOfTheNextConnection()
             [&] { shown = QStringLiteral("\"%1\" \"%2\"").arg(version->text(), mode->text()); });
     QTRY_COMPARE(bench.boxes.answered(), 3);
     QCOMPARE(shown, QStringLiteral("\"\" \"\""));
+}
+
+void tst_connect::viewEndsWithTheConnection_data()
+{
+    QTest::addColumn<QByteArray>("code");
+    QTest::newRow("output port") << QByteArray("63");
+    QTest::newRow("channel") << QByteArray("4");
+    QTest::newRow("input port") << QByteArray("243");
+}
+
+// No button and no label keeps the colour of what was under view.
+void tst_connect::viewEndsWithTheConnection()
+{
+    QFETCH(QByteArray, code);
+    ScriptedBench bench;
+    const auto sheets = [&bench] {
+        QStringList all;
+        const auto widgets = bench.window.findChildren<QWidget *>();
+        for (const QWidget *widget : widgets) {
+            if (!widget->styleSheet().isEmpty())
+                all += widget->styleSheet();
+        }
+        return all;
+    };
+    QVERIFY(bench.connectToRouter());
+    const QStringList before = sheets();
+    bench.sayBare("$VRVVW," + code);
+    bench.waitUntilHeard();
+    QCOMPARE(sheets().size(), before.size());
+    QVERIFY(sheets() != before);
+    bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    bench.endLink();
+    QVERIFY(!bench.window.isConnected());
+    QCOMPARE(sheets(), before);
 }
 
 void tst_connect::boxesBelongToTheWindow_data()
