@@ -36,8 +36,6 @@ private slots:
     void nothingIsKnownOfTheNextConnection();
     void viewEndsWithTheConnection_data();
     void viewEndsWithTheConnection();
-    void boxesBelongToTheWindow_data();
-    void boxesBelongToTheWindow();
     void linkDiesUnderAnOpenBox();
     void windowUnderTheBox_data();
     void windowUnderTheBox();
@@ -358,35 +356,6 @@ void tst_connect::viewEndsWithTheConnection()
     QCOMPARE(sheets(), before);
 }
 
-void tst_connect::boxesBelongToTheWindow_data()
-{
-    QTest::addColumn<int>("fault"); // -1: the port won't open
-    QTest::addColumn<QString>("text");
-    QTest::newRow("open error") << -1 << "Error open COM port";
-    QTest::newRow("time-out") << int(Fault::Silent) << "Connection timeout";
-    QTest::newRow("busy") << int(Fault::Busy) << "TK-7 Router Busy another Control programm";
-}
-
-void tst_connect::boxesBelongToTheWindow()
-{
-    QFETCH(int, fault);
-    QFETCH(QString, text);
-    WindowBench bench;
-    if (fault >= 0) {
-        bench.router.setFault(Fault(fault));
-    } else {
-        auto *ports = bench.find<QComboBox>("comboBox_connect_port");
-        ports->addItem(QStringLiteral("/dev/null/none"));
-        ports->setCurrentIndex(ports->count() - 1);
-    }
-    BoxAnswer::Box box = WindowBench::linkBox(text);
-    box.parent = &bench.window;
-    bench.boxes.expect(box);
-    bench.find<QPushButton>("pushButton_connect")->click();
-    QTRY_VERIFY_WITH_TIMEOUT(!bench.window.currentLink(), 10000);
-    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-}
-
 // The box of the download is open while the router falls silent: the box goes, the warning comes.
 void tst_connect::linkDiesUnderAnOpenBox()
 {
@@ -443,6 +412,7 @@ void tst_connect::windowUnderTheBox()
         QVERIFY(bench.connectToRouter());
     bool isSeen = false;
     BoxAnswer::Box box = WindowBench::linkBox(text);
+    box.parent = &bench.window;
     box.click = QMessageBox::NoButton;
     box.whileOpen = [&](QMessageBox &open) {
         isSeen = true;
