@@ -23,6 +23,7 @@ namespace {
 constexpr int readSize = 4096;
 constexpr int maxReads = 16; // in one turn, so that a flood doesn't starve the event loop
 constexpr int pathSize = 256;
+constexpr int closingTime = 20; // ms from a line's former speed to the end of its port
 
 QString systemError()
 {
@@ -116,9 +117,8 @@ int PseudoTerminal::write(const QByteArray &bytes)
 
 PseudoTerminal::HangUp PseudoTerminal::readAvailable()
 {
-    bool readable = false;
-    const bool hungUp = isHungUp(&readable);
-    const int speed = hungUp && m_attached ? m_lastSpeed : lineSpeed();
+    const bool hasGone = m_attached && (lineSpeed() != m_lastSpeed ? hangsUpNow() : isHungUp());
+    const int speed = hasGone ? m_lastSpeed : lineSpeed();
     m_lastSpeed = speed;
 
     QByteArray bytes;
@@ -176,8 +176,7 @@ void PseudoTerminal::detach()
     m_attachTimer.start();
     const bool usable = resetOtherSide();
     emit attachedChanged(false);
-    bool readable = false;
-    if (!usable && isOpen() && isHungUp(&readable)) {
+    if (!usable && isOpen() && isHungUp()) {
         emit lockedOut();
     }
 }
@@ -207,8 +206,18 @@ bool PseudoTerminal::isHungUp(bool *readable) const
     if (m_master < 0 || ::poll(&state, 1, 0) < 0) {
         return true;
     }
-    *readable = (state.revents & POLLIN) != 0;
+    if (readable) {
+        *readable = (state.revents & POLLIN) != 0;
+    }
     return (state.revents & POLLHUP) != 0;
+}
+
+// A program that ends sets the line's former speed just before it closes the port. What it had said
+// until then was said at the last one.
+bool PseudoTerminal::hangsUpNow() const
+{
+    pollfd state{m_master, 0, 0};
+    return ::poll(&state, 1, closingTime) != 0;
 }
 
 } // namespace tk7sim

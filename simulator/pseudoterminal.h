@@ -63,7 +63,8 @@ private:
     void attach();
     void detach();
     bool resetOtherSide();
-    bool isHungUp(bool *readable) const;
+    bool isHungUp(bool *readable = nullptr) const;
+    bool hangsUpNow() const;
 
     int m_master = -1;
     QString m_deviceName;

@@ -122,7 +122,9 @@ void ScriptedBench::endLink()
 bool ScriptedBench::inService(const std::function<void(servicedlg &)> &use)
 {
     bool hasCome = false;
-    QTimer::singleShot(0, &line, [&] {
+    QTimer timer; // goes with what it looks for
+    timer.setSingleShot(true);
+    QObject::connect(&timer, &QTimer::timeout, &line, [&] {
         const QPointer<servicedlg> dialog = serviceDialog();
         if (!dialog || !dialog->isVisible())
             return;
@@ -131,6 +133,7 @@ bool ScriptedBench::inService(const std::function<void(servicedlg &)> &use)
         if (dialog)
             dialog->close();
     });
+    timer.start(0);
     find<QPushButton>(QStringLiteral("pushButton_Service"))->click();
     return hasCome;
 }

@@ -456,7 +456,9 @@ void TestSimFaults::inputErrors()
     const auto wrong = [&] {
         const auto lines = m_tool->lines();
         return std::count_if(lines.cbegin(), lines.cend(), [](const QByteArray &line) {
-            return line.contains('*') && parseHex(line.trimmed().right(2), 2) != checksumOf(line);
+            const bool isWhole = line.startsWith('$') || line.startsWith('!');
+            return isWhole && line.contains('*')
+                && parseHex(line.trimmed().right(2), 2) != checksumOf(line);
         });
     };
     QVERIFY(m_tool->write("$VRVVW,240\r\n"));

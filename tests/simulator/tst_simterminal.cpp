@@ -9,6 +9,9 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <chrono>
+#include <thread>
+
 #include <fcntl.h>
 #include <pwd.h>
 #include <sys/ioctl.h>
@@ -35,6 +38,7 @@ private slots:
     void nextUserFindsNothingUnread();
     void readsWhatAVisitorLeft();
     void lastWordsHaveTheirSpeed();
+    void lastWordsOfASlowProgram();
     void fullBufferTakesNoMore();
     void doesNotSpin_data();
     void doesNotSpin();
@@ -219,6 +223,32 @@ void TestSimTerminal::lastWordsHaveTheirSpeed()
     QVERIFY(client.setSpeed(4800));
     client.close();
     QTRY_COMPARE(heard.count(), 2);
+    QCOMPARE(heard.at(1).at(0).toByteArray(), QByteArray("last"));
+    QCOMPARE(heard.at(1).at(1).toInt(), 115200);
+}
+
+// The same on a busy machine: the terminal is read when the settings are old, and the port not closed.
+void TestSimTerminal::lastWordsOfASlowProgram()
+{
+    static constexpr auto slowness = std::chrono::milliseconds(5);
+    PseudoTerminal terminal;
+    QVERIFY(terminal.open());
+    QSignalSpy heard(&terminal, &PseudoTerminal::bytesReceived);
+    TerminalClient client;
+    QVERIFY(client.open(terminal.deviceName()));
+    QVERIFY(client.setSpeed(115200));
+    QVERIFY(client.write("first"));
+    QTRY_COMPARE(heard.count(), 1);
+    QVERIFY(client.write("last"));
+    QVERIFY(client.setSpeed(4800));
+    const int port = ::dup(client.descriptor());
+    client.close();
+    std::thread program([port] {
+        std::this_thread::sleep_for(slowness);
+        ::close(port);
+    });
+    QTRY_COMPARE(heard.count(), 2);
+    program.join();
     QCOMPARE(heard.at(1).at(0).toByteArray(), QByteArray("last"));
     QCOMPARE(heard.at(1).at(1).toInt(), 115200);
 }
