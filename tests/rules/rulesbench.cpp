@@ -9,6 +9,9 @@
 
 RulesBench::RulesBench()
 {
+    // Tests that were started to outlive their terminal ignore its end, and the program would, too.
+    for (const int number : {SIGINT, SIGTERM, SIGHUP})
+        std::signal(number, SIG_DFL);
     router.setTrafficRate(0);
     if (!router.open())
         qFatal("no pseudo-terminal: %s", qPrintable(router.errorString()));
