@@ -85,7 +85,7 @@ bool AisAlarmListDlg::showAlarm(quint8 id)
 
     // Found before any is written: sorting is on, and the row moves while it is being written.
     std::array<QTableWidgetItem *, columnCount> cells;
-    for (int column = 0; column < columnCount; ++column)
+    for (int column = idColumn + 1; column < columnCount; ++column)
         cells[size_t(column)] = table->item(row, column);
     const QString texts[] = {idText, timeText(*alarm),
                              alarm->m_condition ? tr("exceeded") : tr("not exceeded"),
