@@ -162,10 +162,7 @@ const NmeaSerialPort::SentenceRow NmeaSerialPort::sentenceRows[] = {
     {"AIP", Shape::Head, true, &NmeaSerialPort::parseAisPosition},
 };
 
-NmeaSerialPort::NmeaSerialPort()
-{
-    line.reserve(maxLineBytes + 1);
-}
+NmeaSerialPort::NmeaSerialPort() = default;
 
 NmeaSerialPort::~NmeaSerialPort() = default;
 
@@ -241,7 +238,7 @@ void NmeaSerialPort::closePort()
         serial->deleteLater();
         serial = nullptr;
     }
-    line.clear();
+    lines.dropLine();
 }
 
 void NmeaSerialPort::releaseTimer(QTimer *&timer)
@@ -400,33 +397,29 @@ void NmeaSerialPort::slot_confirm_timer()
 void NmeaSerialPort::slot_ReadyRead()
 {
     const QPointer<NmeaSerialPort> self(this);
-    // What is left of an interrupted chunk goes first: the next read takes its place.
-    consumeBlock();
+    // Nothing is read while lines wait that an interrupted pass has left.
+    handleLines();
     while (self && serial && serial->bytesAvailable() != 0) {
-        const qint64 count = serial->read(readChunk, sizeof readChunk);
+        char chunk[LineAssembler::MaxLineBytes];
+        const qint64 count = serial->read(chunk, sizeof chunk);
         if (count < 0)
-            line.clear();
+            lines.dropLine();
         else
-            receiveBytes(readChunk, int(count));
+            receiveBytes(chunk, int(count));
     }
 }
 
 void NmeaSerialPort::receiveBytes(const char *data, int size)
 {
-    const QPointer<NmeaSerialPort> self(this);
-    consumeBlock();
-    if (!self)
-        return;
-    blockPos = data;
-    blockEnd = data + size;
-    consumeBlock();
+    lines.add(data, size);
+    handleLines();
 }
 
 // A slot may open a box. What stands behind its sentence follows in the event loop of the box, and
 // doesn't wait for the next byte.
 void NmeaSerialPort::readOnInEventLoop()
 {
-    const bool isAllRead = blockPos == blockEnd && (!serial || serial->bytesAvailable() == 0);
+    const bool isAllRead = !lines.hasMore() && (!serial || serial->bytesAvailable() == 0);
     if (isAllRead || readsOn)
         return;
     readsOn = true;
@@ -437,29 +430,14 @@ void NmeaSerialPort::readOnInEventLoop()
     QMetaObject::invokeMethod(this, readOn, Qt::QueuedConnection);
 }
 
-// Cuts what is left of the block into lines. The position is kept in the object: a slot may run an
-// event loop that enters here again, closes the port, or deletes this object.
-void NmeaSerialPort::consumeBlock()
+// A slot may run an event loop that enters here again and takes the lines that follow, close the
+// port, or delete this object.
+void NmeaSerialPort::handleLines()
 {
     const QPointer<NmeaSerialPort> self(this);
-    while (blockPos != blockEnd) {
-        const char byte = *blockPos++;
-        const bool startsLine = byte == '$' || byte == '!';
-        if (startsLine)
-            line.resize(0);
-        else if (line.isEmpty())
-            continue;
-        line.append(byte);
-        if (byte == '\n') {
-            const QByteArray complete = line;
-            line.resize(0);
-            handleLine(complete);
-            if (!self)
-                return;
-        } else if (line.size() >= maxLineBytes) {
-            line.resize(0);
-        }
-    }
+    QByteArray line;
+    while (self && lines.takeLine(line))
+        handleLine(line);
 }
 
 void NmeaSerialPort::handleLine(const QByteArray &bytes)

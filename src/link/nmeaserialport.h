@@ -1,5 +1,7 @@
 #pragma once
 
+#include "link/lineassembler.h"
+
 #include <QByteArray>
 #include <QElapsedTimer>
 #include <QList>
@@ -67,7 +69,7 @@ public:
 
     /*!
      * Takes \a size bytes as if they had come from the port: cuts them into lines and dispatches
-     * each. May be entered again from a slot that runs an event loop; the bytes keep their order.
+     * each. May be entered again from a slot that runs an event loop; the lines keep their order.
      */
     void receiveBytes(const char *data, int size);
 
@@ -124,8 +126,6 @@ private:
     struct SentenceRow;
     static const SentenceRow sentenceRows[];
 
-    static constexpr int maxLineBytes = 95;
-
     void releaseTimer(QTimer *&timer);
     void releaseLostPort();
     bool isPortOpen() const;
@@ -136,7 +136,7 @@ private:
     bool hasHeardMeanwhile(const quint32 &waits);
 
     void readOnInEventLoop();
-    void consumeBlock();
+    void handleLines();
     void handleLine(const QByteArray &bytes);
 
     void handleConnectAnswer(const QString &str);
@@ -189,12 +189,7 @@ private:
     QTimer *connectTimer = nullptr;
     QTimer *confirmTimer = nullptr;
     FilterHalves filterHalfSeen[12];
-    char readChunk[maxLineBytes] = {};
-    QByteArray line;
     QByteArray serialBlock;
-
-    // The part of the block in hand that has not been cut into lines yet.
-    const char *blockPos = nullptr;
-    const char *blockEnd = nullptr;
-    bool readsOn = false; //!< an event is under way that goes on with it
+    LineAssembler lines;
+    bool readsOn = false; //!< an event is under way that goes on with them
 };
