@@ -1,15 +1,13 @@
 #include "link/nmeaserialport.h"
 
+#include "link/fieldreader.h"
 #include "link/sentence.h"
 #include "platform/serialports.h"
 
 #include <QPointer>
 #include <QSerialPort>
-#include <QStringRef>
 #include <QThread>
 #include <QTimer>
-
-#include <cstring>
 
 namespace {
 
@@ -36,10 +34,7 @@ constexpr qint32 stepAfterWorkingSpeed = 5;
 constexpr int progressDone = 100;
 
 constexpr int portCount = 12;
-constexpr int channelCount = 12;
 constexpr int minLineLength = 6; // '$', an address of four, LF
-constexpr int headLength = 6;    // "$VR" and three letters
-constexpr int fieldsStart = 7;   // behind the head and its comma
 
 const QString askConnect = QStringLiteral("$VRCNT\r\n");
 const QString askConfirm = QStringLiteral("$VRCNC\r\n");
@@ -48,121 +43,12 @@ const QString busySentence = QStringLiteral("$VRCNB\r\n");
 const QString connectAnswerHead = QStringLiteral("$VRCNU,");
 const QString proprietaryHead = QStringLiteral("$VR");
 const QString aisHead = QStringLiteral("$VRAI");
-const QString lineEnd = QStringLiteral("\r\n");
 
-const QChar comma = QLatin1Char(',');
 const QChar star = QLatin1Char('*');
-
-// Cuts the fields of a sentence, from the left. A separator that is missing ends the sentence.
-class FieldReader
-{
-public:
-    explicit FieldReader(const QString &sentence)
-        : m_text(&sentence), m_pos(qMin(fieldsStart, sentence.size()))
-    {
-    }
-
-    bool cut(QChar separator, QStringRef &field)
-    {
-        const int end = m_text->indexOf(separator, m_pos);
-        if (end < 0)
-            return false;
-        field = m_text->midRef(m_pos, end - m_pos);
-        m_pos = end + 1;
-        return true;
-    }
-
-    // A number that doesn't convert counts as 0.
-    bool cutNumber(QChar separator, quint32 &number)
-    {
-        QStringRef field;
-        if (!cut(separator, field))
-            return false;
-        number = field.toUInt();
-        return true;
-    }
-
-    bool skip(QChar separator)
-    {
-        QStringRef ignored;
-        return cut(separator, ignored);
-    }
-
-    // The next `length` characters as a hexadecimal number; fewer, or none, at the end of the text.
-    quint32 takeHex(int length)
-    {
-        const quint32 number = m_text->midRef(m_pos, length).toUInt(nullptr, 16);
-        m_pos = qMin(m_pos + length, m_text->size());
-        return number;
-    }
-
-private:
-    const QString *m_text;
-    int m_pos;
-};
-
-QChar listSeparator(int index, int count)
-{
-    return index == count - 1 ? star : comma;
-}
-
-// Hands the texts of a list of `count` to take(index, text), until one is missing or `take` is
-// false.
-template <typename Take> void readList(FieldReader &fields, int count, Take take)
-{
-    for (int i = 0; i < count; ++i) {
-        QStringRef text;
-        if (!fields.cut(listSeparator(i, count), text) || !take(i, text))
-            return;
-    }
-}
 
 } // namespace
 
-enum class Shape {
-    Head, // the head and a comma start the line
-    Line  // the head and CR LF start the line
-};
-
-struct NmeaSerialPort::SentenceRow
-{
-    char code[4];
-    Shape shape;
-    bool checked;
-    void (NmeaSerialPort::*parse)(const QString &);
-};
-
-const NmeaSerialPort::SentenceRow NmeaSerialPort::sentenceRows[] = {
-    {"SPD", Shape::Head, true, &NmeaSerialPort::parsePortSpeed},
-    {"RUL", Shape::Head, true, &NmeaSerialPort::parseRules},
-    {"FLT", Shape::Head, true, &NmeaSerialPort::parseFilterMasks},
-    {"PNM", Shape::Head, true, &NmeaSerialPort::parsePortNames},
-    {"HDC", Shape::Head, true, &NmeaSerialPort::parseHeaders},
-    {"FLS", Shape::Head, true, &NmeaSerialPort::parseFilterList},
-    {"VER", Shape::Head, true, &NmeaSerialPort::parseVersion},
-    {"MOD", Shape::Head, true, &NmeaSerialPort::parseMode},
-    {"ERR", Shape::Head, true, &NmeaSerialPort::parseErrors},
-    {"WBL", Shape::Line, false, &NmeaSerialPort::parseEndOfData},
-    {"VVW", Shape::Head, false, &NmeaSerialPort::parsePortView},
-    {"SRO", Shape::Line, false, &NmeaSerialPort::parseSaveOk},
-    {"SRE", Shape::Line, false, &NmeaSerialPort::parseSaveError},
-    {"FWR", Shape::Line, false, &NmeaSerialPort::parseFirmwareReady},
-    {"FWP", Shape::Head, true, &NmeaSerialPort::parseFirmwarePacket},
-    {"FWE", Shape::Head, true, &NmeaSerialPort::parseFirmwareError},
-    {"FWO", Shape::Line, false, &NmeaSerialPort::parseFirmwareOk},
-    {"STA", Shape::Head, true, &NmeaSerialPort::parseStatus},
-    {"SER", Shape::Head, true, &NmeaSerialPort::parseSerial},
-    {"PWS", Shape::Head, true, &NmeaSerialPort::parsePasswordAnswer},
-    {"LCK", Shape::Head, true, &NmeaSerialPort::parseLock},
-    {"PWV", Shape::Head, true, &NmeaSerialPort::parsePassword},
-    {"FBK", Shape::Head, true, &NmeaSerialPort::parseFlashBank},
-    {"AIM", Shape::Head, true, &NmeaSerialPort::parseAisMessage},
-    {"AIO", Shape::Head, true, &NmeaSerialPort::parseAisMessage},
-    {"AIA", Shape::Head, true, &NmeaSerialPort::parseAisMessage},
-    {"AIP", Shape::Head, true, &NmeaSerialPort::parseAisPosition},
-};
-
-NmeaSerialPort::NmeaSerialPort() = default;
+NmeaSerialPort::NmeaSerialPort() : parser(this) { }
 
 NmeaSerialPort::~NmeaSerialPort() = default;
 
@@ -471,30 +357,10 @@ void NmeaSerialPort::slot_VRNMEA(QString str)
         emit signalVRBusy();
         return;
     }
+    if (!str.startsWith(proprietaryHead))
+        return;
     feedWatch(str);
-
-    if (str.size() <= headLength || !str.startsWith(proprietaryHead))
-        return;
-    const QChar *code = str.constData() + proprietaryHead.size();
-    for (const SentenceRow &row : sentenceRows) {
-        if (code[0] != QLatin1Char(row.code[0]) || code[1] != QLatin1Char(row.code[1])
-            || code[2] != QLatin1Char(row.code[2])) {
-            continue;
-        }
-        const bool hasShape = row.shape == Shape::Head ? str.at(headLength) == comma
-                                                       : str.midRef(headLength).startsWith(lineEnd);
-        if (!hasShape)
-            return;
-        // Cleared before the checksum is tested: a torn "$VRSER" leaves no old identifier behind.
-        if (row.parse == &NmeaSerialPort::parseSerial)
-            serialBlock.clear();
-        if (row.checked && !testChecksum(str)) {
-            emit signalCommandCRSError();
-            return;
-        }
-        (this->*row.parse)(str);
-        return;
-    }
+    parser.parse(str);
 }
 
 void NmeaSerialPort::handleConnectAnswer(const QString &str)
@@ -541,281 +407,9 @@ void NmeaSerialPort::handleConnectAnswer(const QString &str)
 // not: it comes by itself while the AIS test runs.
 void NmeaSerialPort::feedWatch(const QString &str)
 {
-    if (!str.startsWith(proprietaryHead) || str.startsWith(aisHead))
+    if (str.startsWith(aisHead))
         return;
     awaitingConfirm = false;
     if (connected)
         startWatchWait();
-}
-
-// $VRSPD,port,speed*hh
-void NmeaSerialPort::parsePortSpeed(const QString &str)
-{
-    FieldReader fields(str);
-    quint32 port = 0;
-    quint32 speed = 0;
-    if (!fields.cutNumber(comma, port) || !fields.cutNumber(star, speed))
-        return;
-    emit signalVRNewPortSpeed(quint8(port), speed);
-}
-
-// $VRRUL,port,x,w0w1...w11*hh, each word four digits: inputs, options
-void NmeaSerialPort::parseRules(const QString &str)
-{
-    constexpr int wordDigits = 4;
-    FieldReader fields(str);
-    quint32 port = 0;
-    if (!fields.cutNumber(comma, port) || !fields.skip(comma))
-        return;
-    const QPointer<NmeaSerialPort> self(this);
-    for (int channel = 0; self && channel < channelCount; ++channel) {
-        const quint32 word = fields.takeHex(wordDigits);
-        emit signalVRNewRule(quint8(port), channel, quint8(word >> 8), quint8(word));
-    }
-}
-
-// $VRFLT,port,x,first,m0m1...m5*hh, each mask eight digits
-void NmeaSerialPort::parseFilterMasks(const QString &str)
-{
-    constexpr int maskDigits = 8;
-    constexpr int masksPerSentence = 6;
-    FieldReader fields(str);
-    quint32 port = 0;
-    quint32 number = 0;
-    if (!fields.cutNumber(comma, port) || !fields.skip(comma) || !fields.cutNumber(comma, number))
-        return;
-    const quint8 first = quint8(number);
-    if (port < portCount) {
-        filterHalfSeen[port].first |= first == 0;
-        filterHalfSeen[port].second |= first == masksPerSentence;
-    }
-    const QPointer<NmeaSerialPort> self(this);
-    for (int i = 0; self && i < masksPerSentence; ++i)
-        emit signalVRNewFilterMask(quint8(port), first + i, fields.takeHex(maskDigits));
-}
-
-// $VRPNM,t,first,n0,n1,n2,n3,n4,n5*hh
-void NmeaSerialPort::parsePortNames(const QString &str)
-{
-    constexpr int namesPerSentence = 6;
-    FieldReader fields(str);
-    QStringRef type;
-    quint32 first = 0;
-    if (!fields.cut(comma, type) || type.size() != 1)
-        return;
-    const bool isOutput = type.at(0) == QLatin1Char('O');
-    if (!isOutput && type.at(0) != QLatin1Char('I'))
-        return;
-    if (!fields.cutNumber(comma, first) || (first != 0 && first != namesPerSentence))
-        return;
-    const QPointer<NmeaSerialPort> self(this);
-    readList(fields, namesPerSentence, [&](int i, const QStringRef &name) {
-        emit signalVRNewPortName(isOutput, quint8(first + quint32(i)), name.toString());
-        return !self.isNull();
-    });
-}
-
-// $VRHDC,port,x,h0,h1,...,h11*hh
-void NmeaSerialPort::parseHeaders(const QString &str)
-{
-    constexpr int headerLength = 2;
-    FieldReader fields(str);
-    quint32 port = 0;
-    if (!fields.cutNumber(comma, port) || !fields.skip(comma))
-        return;
-    const QPointer<NmeaSerialPort> self(this);
-    readList(fields, channelCount, [&](int channel, const QStringRef &header) {
-        if (!header.isEmpty() && header.size() != headerLength)
-            return false;
-        emit signalVRNewHdr(quint8(port), channel, header.toString());
-        return !self.isNull();
-    });
-}
-
-// $VRFLS,first,s0,s1,...,s7*hh
-void NmeaSerialPort::parseFilterList(const QString &str)
-{
-    constexpr int namesPerSentence = 8;
-    constexpr int formatterLength = 3;
-    FieldReader fields(str);
-    quint32 first = 0;
-    if (!fields.cutNumber(comma, first))
-        return;
-    const QPointer<NmeaSerialPort> self(this);
-    readList(fields, namesPerSentence, [&](int i, const QStringRef &formatter) {
-        if (!formatter.isEmpty() && formatter.size() != formatterLength)
-            return false;
-        emit signalVRNewFilterStr(quint8(first + quint32(i)), formatter.toString());
-        return !self.isNull();
-    });
-}
-
-// $VRVER,msb.lsb*hh
-void NmeaSerialPort::parseVersion(const QString &str)
-{
-    FieldReader fields(str);
-    quint32 msb = 0;
-    quint32 lsb = 0;
-    if (!fields.cutNumber(QLatin1Char('.'), msb) || !fields.cutNumber(star, lsb))
-        return;
-    emit signalVRVersion(msb, lsb);
-}
-
-// $VRMOD,text*hh
-void NmeaSerialPort::parseMode(const QString &str)
-{
-    QStringRef mode;
-    if (FieldReader(str).cut(star, mode))
-        emit signalVRMode(mode.toString());
-}
-
-// $VRERR,cccc,ff*hh, at fixed places; what stands between the two numbers doesn't matter
-void NmeaSerialPort::parseErrors(const QString &str)
-{
-    constexpr int codeDigits = 4;
-    constexpr int faultStart = 12;
-    constexpr int faultDigits = 2;
-    bool isCode = false;
-    bool isFault = false;
-    const quint32 code = str.midRef(fieldsStart, codeDigits).toUInt(&isCode, 16);
-    const quint32 fault = str.midRef(faultStart, faultDigits).toUInt(&isFault, 16);
-    if (isCode && isFault)
-        emit signalVRErrorsCode(code, fault);
-}
-
-void NmeaSerialPort::parseEndOfData(const QString &)
-{
-    emit signalVRUpdateVRData();
-}
-
-// $VRVVW,n without a checksum: with one the number doesn't convert and counts as 0
-void NmeaSerialPort::parsePortView(const QString &str)
-{
-    const quint32 code = str.midRef(fieldsStart).toUInt();
-    if (code <= 255)
-        emit signalVRPortView(quint8(code));
-}
-
-void NmeaSerialPort::parseSaveOk(const QString &)
-{
-    emit signalVRSaveEepromOk();
-}
-
-void NmeaSerialPort::parseSaveError(const QString &)
-{
-    emit signalVRSaveEepromError();
-}
-
-void NmeaSerialPort::parseFirmwareReady(const QString &)
-{
-    emit signalVRReadyFirmwareUpdate();
-}
-
-// $VRFWP,n*hh
-void NmeaSerialPort::parseFirmwarePacket(const QString &str)
-{
-    quint32 number = 0;
-    if (FieldReader(str).cutNumber(star, number))
-        emit signalVRFwPacket(number);
-}
-
-// $VRFWE,n*hh
-void NmeaSerialPort::parseFirmwareError(const QString &str)
-{
-    quint32 code = 0;
-    if (FieldReader(str).cutNumber(star, code))
-        emit signalVRFwError(code);
-}
-
-void NmeaSerialPort::parseFirmwareOk(const QString &)
-{
-    emit signalVRFwOk();
-}
-
-// $VRSTA,port,print,crs,broken,size,full*hh
-void NmeaSerialPort::parseStatus(const QString &str)
-{
-    constexpr int count = 6;
-    FieldReader fields(str);
-    quint32 values[count] = {};
-    for (int i = 0; i < count; ++i) {
-        if (!fields.cutNumber(listSeparator(i, count), values[i]))
-            return;
-    }
-    emit signalVRStatusErrors(values[0], values[1], values[2], values[3], values[4], values[5]);
-}
-
-// $VRSER, 32 hexadecimal digits, *hh
-void NmeaSerialPort::parseSerial(const QString &str)
-{
-    constexpr int byteCount = 16;
-    QStringRef digits;
-    if (!FieldReader(str).cut(star, digits) || digits.size() != 2 * byteCount)
-        return;
-    for (int i = 0; i < byteCount; ++i) {
-        bool isNumber = false;
-        const uint byte = digits.mid(2 * i, 2).toUInt(&isNumber, 16);
-        if (!isNumber) {
-            serialBlock.clear();
-            return;
-        }
-        serialBlock.append(char(byte));
-    }
-    emit signalVRSerial(&serialBlock);
-}
-
-// $VRPWS,OK*hh or $VRPWS,ERROR*hh
-void NmeaSerialPort::parsePasswordAnswer(const QString &str)
-{
-    const QStringRef answer = str.midRef(fieldsStart);
-    if (answer.startsWith(QLatin1String("OK")))
-        emit signalVRSetPasswordAnswer(true);
-    else if (answer.startsWith(QLatin1String("ERROR")))
-        emit signalVRSetPasswordAnswer(false);
-}
-
-// $VRLCK,l,a*hh
-void NmeaSerialPort::parseLock(const QString &str)
-{
-    constexpr quint8 highestLevel = 5;
-    FieldReader fields(str);
-    QStringRef enabled;
-    QStringRef levelText;
-    if (!fields.cut(comma, enabled) || enabled.size() != 1)
-        return;
-    const bool hasPassword = enabled.at(0) == QLatin1Char('1');
-    if (!hasPassword && enabled.at(0) != QLatin1Char('0'))
-        return;
-    if (!fields.cut(star, levelText) || levelText.size() != 1)
-        return;
-    const quint8 level = quint8(levelText.toUInt());
-    if (level <= highestLevel)
-        emit signalVRLockStatus(hasPassword, level);
-}
-
-// $VRPWV,password*hh
-void NmeaSerialPort::parsePassword(const QString &str)
-{
-    QStringRef password;
-    if (FieldReader(str).cut(star, password))
-        emit signalVRSendPassword(password.toString());
-}
-
-// $VRFBK,n*hh
-void NmeaSerialPort::parseFlashBank(const QString &str)
-{
-    constexpr quint32 highestBank = 2;
-    quint32 bank = 0;
-    if (FieldReader(str).cutNumber(star, bank) && bank <= highestBank)
-        emit signalVRUsedFlashBank(bank);
-}
-
-void NmeaSerialPort::parseAisMessage(const QString &str)
-{
-    emit signalVRAISMessage(str);
-}
-
-void NmeaSerialPort::parseAisPosition(const QString &str)
-{
-    emit signalVRAISPosition(str);
 }

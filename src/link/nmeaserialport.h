@@ -1,6 +1,7 @@
 #pragma once
 
 #include "link/lineassembler.h"
+#include "link/sentenceparser.h"
 
 #include <QByteArray>
 #include <QElapsedTimer>
@@ -123,9 +124,6 @@ signals:
     void signalVRAISPosition(QString message);
 
 private:
-    struct SentenceRow;
-    static const SentenceRow sentenceRows[];
-
     void releaseTimer(QTimer *&timer);
     void releaseLostPort();
     bool isPortOpen() const;
@@ -142,38 +140,6 @@ private:
     void handleConnectAnswer(const QString &str);
     void feedWatch(const QString &str);
 
-    void parsePortSpeed(const QString &str);
-    void parseRules(const QString &str);
-    void parseFilterMasks(const QString &str);
-    void parsePortNames(const QString &str);
-    void parseHeaders(const QString &str);
-    void parseFilterList(const QString &str);
-    void parseVersion(const QString &str);
-    void parseMode(const QString &str);
-    void parseErrors(const QString &str);
-    void parseEndOfData(const QString &str);
-    void parsePortView(const QString &str);
-    void parseSaveOk(const QString &str);
-    void parseSaveError(const QString &str);
-    void parseFirmwareReady(const QString &str);
-    void parseFirmwarePacket(const QString &str);
-    void parseFirmwareError(const QString &str);
-    void parseFirmwareOk(const QString &str);
-    void parseStatus(const QString &str);
-    void parseSerial(const QString &str);
-    void parsePasswordAnswer(const QString &str);
-    void parseLock(const QString &str);
-    void parsePassword(const QString &str);
-    void parseFlashBank(const QString &str);
-    void parseAisMessage(const QString &str);
-    void parseAisPosition(const QString &str);
-
-    struct FilterHalves
-    {
-        bool first = false;
-        bool second = false;
-    };
-
     QString portName;
     QList<QString> sendQueue;
     QSerialPort *serial = nullptr;
@@ -188,8 +154,7 @@ private:
     QTimer *sendTimer = nullptr;
     QTimer *connectTimer = nullptr;
     QTimer *confirmTimer = nullptr;
-    FilterHalves filterHalfSeen[12];
-    QByteArray serialBlock;
     LineAssembler lines;
     bool readsOn = false; //!< an event is under way that goes on with them
+    SentenceParser parser;
 };
