@@ -11,10 +11,9 @@
 
 namespace {
 
-constexpr int sendInterval = 25;  // ms; one line each, the link's only flow control
-constexpr int scanInterval = 500; // ms for a router to answer at one speed
-constexpr int confirmInterval =
-    2000; // ms of silence before the router is asked, and again before the end
+constexpr int sendInterval = 25;      // ms; one line each, the link's only flow control
+constexpr int scanInterval = 500;     // ms for a router to answer at one speed
+constexpr int confirmInterval = 2000; // ms of silence until the router is asked, and until the end
 
 constexpr qint32 firstScanSpeed = 4800;
 constexpr qint32 workingSpeed = QSerialPort::Baud115200;
@@ -48,7 +47,10 @@ const QChar star = QLatin1Char('*');
 
 } // namespace
 
-NmeaSerialPort::NmeaSerialPort() : parser(this) { }
+NmeaSerialPort::NmeaSerialPort()
+    : searchWait(scanInterval), watchWait(confirmInterval), parser(this)
+{
+}
 
 NmeaSerialPort::~NmeaSerialPort() = default;
 
@@ -65,19 +67,16 @@ void NmeaSerialPort::openPort(const QString &name)
     serial->setFlowControl(QSerialPort::NoFlowControl);
     serial->setStopBits(QSerialPort::OneStop);
 
-    for (QTimer **timer : {&sendTimer, &connectTimer, &confirmTimer}) {
-        *timer = new QTimer;
-        (*timer)->setTimerType(Qt::PreciseTimer);
-    }
+    sendTimer = makeLinkTimer(sendInterval);
     awaitingConfirm = false;
     confirmSuspended = false;
     scanStep = 0;
     leftLastSpeed = false;
 
     connect(this, &NmeaSerialPort::signalVRNMEA_receive, this, &NmeaSerialPort::slot_VRNMEA);
-    connect(sendTimer, &QTimer::timeout, this, &NmeaSerialPort::slot_send_timer);
-    connect(connectTimer, &QTimer::timeout, this, &NmeaSerialPort::slot_connect_timer);
-    connect(confirmTimer, &QTimer::timeout, this, &NmeaSerialPort::slot_confirm_timer);
+    connect(sendTimer.get(), &QTimer::timeout, this, &NmeaSerialPort::slot_send_timer);
+    connect(searchWait.open(), &QTimer::timeout, this, &NmeaSerialPort::slot_connect_timer);
+    connect(watchWait.open(), &QTimer::timeout, this, &NmeaSerialPort::slot_confirm_timer);
     // Queued: QSerialPort raises no readyRead from within a readyRead, so the event loop of a modal
     // box that a slot has opened would hear nothing, and it must outlive the emission.
     connect(serial, &QSerialPort::readyRead, this, &NmeaSerialPort::slot_ReadyRead,
@@ -101,21 +100,17 @@ void NmeaSerialPort::openPort(const QString &name)
         },
         Qt::QueuedConnection);
 
-    connectTimer->setInterval(scanInterval);
-    confirmTimer->setInterval(confirmInterval);
-    sinceSendTick.start();
-    sendTimer->start(sendInterval);
-    startSearchWait();
+    sendTimer->start();
+    searchWait.start();
     sendSentence(askConnect);
 }
 
 void NmeaSerialPort::closePort()
 {
     connected = false;
-    ++searchWaits;
-    ++watchWaits;
-    for (QTimer **timer : {&sendTimer, &connectTimer, &confirmTimer})
-        releaseTimer(*timer);
+    sendTimer.reset();
+    searchWait.close();
+    watchWait.close();
     confirmSuspended = false;
     disconnect(this, &NmeaSerialPort::signalVRNMEA_receive, this, &NmeaSerialPort::slot_VRNMEA);
     if (serial) {
@@ -125,16 +120,6 @@ void NmeaSerialPort::closePort()
         serial = nullptr;
     }
     lines.dropLine();
-}
-
-void NmeaSerialPort::releaseTimer(QTimer *&timer)
-{
-    if (!timer)
-        return;
-    timer->stop();
-    disconnect(timer, nullptr, this, nullptr);
-    timer->deleteLater();
-    timer = nullptr;
 }
 
 // The device has gone: an open QSerialPort would go on reporting that with every event. The timers
@@ -149,31 +134,17 @@ bool NmeaSerialPort::isPortOpen() const
     return serial && serial->isOpen();
 }
 
-void NmeaSerialPort::startSearchWait()
-{
-    ++searchWaits;
-    if (connectTimer)
-        connectTimer->start();
-}
-
-void NmeaSerialPort::startWatchWait()
-{
-    ++watchWaits;
-    if (confirmTimer)
-        confirmTimer->start();
-}
-
 // After a stall of the computer a timer goes before what has come meanwhile: that is read first.
 // True if it has begun the wait anew, or ended it.
-bool NmeaSerialPort::hasHeardMeanwhile(const quint32 &waits)
+bool NmeaSerialPort::hasHeardMeanwhile(const AnswerWait &wait)
 {
     constexpr int mostReads = 16; // of up to 4 kB each: five seconds of the fastest line
     const QPointer<NmeaSerialPort> self(this);
-    const quint32 before = waits;
+    const quint32 before = wait.number();
     for (int i = 0; i < mostReads && isPortOpen(); ++i) {
         const bool isMore = serial->waitForReadyRead(0);
         slot_ReadyRead();
-        if (!self || waits != before)
+        if (!self || wait.number() != before)
             return true;
         if (!isMore)
             break;
@@ -211,12 +182,8 @@ QStringList NmeaSerialPort::scanPorts()
 
 void NmeaSerialPort::slot_send_timer()
 {
-    // While the computer stood still nobody was asked: the router gets its whole time once more.
-    const qint64 pause = sinceSendTick.restart();
-    if (pause > scanInterval / 2 && connectTimer && connectTimer->isActive())
-        startSearchWait();
-    if (pause > confirmInterval / 2 && confirmTimer && confirmTimer->isActive())
-        startWatchWait();
+    searchWait.noteQueueTick();
+    watchWait.noteQueueTick();
     if (!isPortOpen() || sendQueue.isEmpty())
         return;
     const QString sentence = sendQueue.takeFirst();
@@ -242,8 +209,8 @@ void NmeaSerialPort::slot_connect_timer()
 {
     const QPointer<NmeaSerialPort> self(this);
     // Qt fires no timer from within its own timeout, and a box can open below: it is started anew.
-    startSearchWait();
-    if (hasHeardMeanwhile(searchWaits))
+    searchWait.start();
+    if (hasHeardMeanwhile(searchWait))
         return;
     const qint32 step = scanStep;
     if (step >= scanStepCount) {
@@ -253,11 +220,11 @@ void NmeaSerialPort::slot_connect_timer()
             emit signalVRTimeOutConnect();
         return;
     }
-    const quint32 wait = searchWaits;
+    const quint32 wait = searchWait.number();
     emit signalVRConnectionProgress(scanSteps[step].progress);
     // A progress dialog runs the event loop when its value changes: the answer, or the end of the
     // connection, may have come meanwhile.
-    if (!self || searchWaits != wait)
+    if (!self || searchWait.number() != wait)
         return;
     ++scanStep;
     if (!isPortOpen())
@@ -269,7 +236,7 @@ void NmeaSerialPort::slot_connect_timer()
 
 void NmeaSerialPort::slot_confirm_timer()
 {
-    if (confirmSuspended || hasHeardMeanwhile(watchWaits))
+    if (confirmSuspended || hasHeardMeanwhile(watchWait))
         return;
     if (!awaitingConfirm) {
         awaitingConfirm = true;
@@ -376,7 +343,7 @@ void NmeaSerialPort::handleConnectAnswer(const QString &str)
         return;
     leftLastSpeed = leftLastSpeed || isLastSpeed;
     // Also in a connection that stands, where it sets the search going again at its last step.
-    startSearchWait();
+    searchWait.start();
     if (connected)
         return;
     if (scanStep != stepAfterWorkingSpeed) {
@@ -390,8 +357,7 @@ void NmeaSerialPort::handleConnectAnswer(const QString &str)
     if (!FieldReader(str).cutNumber(star, port) || port >= portCount)
         return;
     connected = true;
-    if (connectTimer)
-        connectTimer->stop();
+    searchWait.stop();
     awaitingConfirm = false;
     confirmSuspended = false;
 
@@ -400,7 +366,7 @@ void NmeaSerialPort::handleConnectAnswer(const QString &str)
     if (self && connected)
         emit signalVRConnect(quint8(port));
     if (self && connected)
-        startWatchWait();
+        watchWait.start();
 }
 
 // Any "$VR" sentence is a sign of life, known or not and with whatever checksum. The AIS family is
@@ -411,5 +377,5 @@ void NmeaSerialPort::feedWatch(const QString &str)
         return;
     awaitingConfirm = false;
     if (connected)
-        startWatchWait();
+        watchWait.start();
 }

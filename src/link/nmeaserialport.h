@@ -1,10 +1,10 @@
 #pragma once
 
+#include "link/answerwait.h"
 #include "link/lineassembler.h"
 #include "link/sentenceparser.h"
 
 #include <QByteArray>
-#include <QElapsedTimer>
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -12,7 +12,6 @@
 
 QT_BEGIN_NAMESPACE
 class QSerialPort;
-class QTimer;
 QT_END_NAMESPACE
 
 /*!
@@ -22,8 +21,8 @@ QT_END_NAMESPACE
  * openPort() searches for the router: it asks with "$VRCNT" at 4800, 9600, 19200, 38400, 57600,
  * 115200 and 2400 baud for 500 ms each, moves to 115200 baud after a first answer, and is connected
  * after an answer at that speed. From then on the link is watched: 2 s without a "$VR" sentence
- * queue "$VRCNC", 2 s more close the link. Either judges only when it has read what lies in the
- * port: a stall of the computer is no silence of the router.
+ * queue "$VRCNC", 2 s more close the link. Neither search nor watch judges before it has read what
+ * lies in the port: a stall of the computer is no silence of the router.
  *
  * Outbound sentences wait in one queue without a bound; one line leaves it every 25 ms, whatever
  * its length and the speed of the line. Inbound bytes are cut into lines of at most 95 bytes; "$VR"
@@ -124,15 +123,11 @@ signals:
     void signalVRAISPosition(QString message);
 
 private:
-    void releaseTimer(QTimer *&timer);
-    void releaseLostPort();
     bool isPortOpen() const;
+    void releaseLostPort();
     void flushPort();
 
-    void startSearchWait();
-    void startWatchWait();
-    bool hasHeardMeanwhile(const quint32 &waits);
-
+    bool hasHeardMeanwhile(const AnswerWait &wait);
     void readOnInEventLoop();
     void handleLines();
     void handleLine(const QByteArray &bytes);
@@ -148,12 +143,9 @@ private:
     bool connected = false;
     qint32 scanStep = 0;
     bool leftLastSpeed = false; //!< the router has answered at the last speed of the search
-    quint32 searchWaits = 0;    //!< counts the beginnings and ends of connectTimer's wait
-    quint32 watchWaits = 0;     //!< the same of confirmTimer's
-    QElapsedTimer sinceSendTick;
-    QTimer *sendTimer = nullptr;
-    QTimer *connectTimer = nullptr;
-    QTimer *confirmTimer = nullptr;
+    LinkTimer sendTimer;
+    AnswerWait searchWait;
+    AnswerWait watchWait;
     LineAssembler lines;
     bool readsOn = false; //!< an event is under way that goes on with them
     SentenceParser parser;
