@@ -1,49 +1,34 @@
 #include "linkjournal.h"
+#include "sentencereports.h"
 #include "support/checkedline.h"
 
 #include <QMetaMethod>
 #include <QtTest>
 
-#include <functional>
-#include <memory>
+using namespace Reports;
 
+/*!
+ * Each sentence of the router as it should be, with fields that are missing, too many or not what
+ * they should be, and what is no sentence: the signals that it raises.
+ */
 class tst_Dispatch : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-
     void signalsAndSlots();
     void sentencesBySlot_data() { sentences(); }
     void sentencesBySlot();
     void sentencesByBytes_data() { sentences(); }
     void sentencesByBytes();
-
-    void wrongChecksum_data();
-    void wrongChecksum();
-    void everyTruncationIsHarmless_data();
-    void everyTruncationIsHarmless();
-
     void bareText_data();
     void bareText();
-    void numbers_data();
-    void numbers();
-
-    void connectAnswer_data();
-    void connectAnswer();
-    void serialBlockIsCleared_data();
-    void serialBlockIsCleared();
 
 private:
     static void sentences();
     static void configurationSentences();
     static void reportSentences();
     static void unknownSentences();
-
-    std::unique_ptr<NmeaSerialPort> m_link;
-    std::unique_ptr<LinkJournal> m_journal;
 };
 
 namespace {
@@ -52,90 +37,6 @@ void row(const char *name, const QByteArray &line, const QStringList &expected)
 {
     QTest::newRow(name) << line << expected;
 }
-
-QString call(const char *name, const QStringList &arguments)
-{
-    return QLatin1String(name) + '(' + arguments.join(QLatin1String(", ")) + ')';
-}
-
-QString number(quint32 value)
-{
-    return QString::number(value);
-}
-
-QString quoted(const QString &text)
-{
-    return LinkJournal::quoted(text);
-}
-
-struct Word
-{
-    int rules;
-    int flags;
-};
-
-QStringList rules(int port, const QVector<Word> &words)
-{
-    QStringList all;
-    for (int channel = 0; channel < 12; ++channel) {
-        const Word word = words.value(channel, {0, 0});
-        all += call("VRNewRule",
-                    {QString::number(port), QString::number(channel), QString::number(word.rules),
-                     QString::number(word.flags)});
-    }
-    return all;
-}
-
-QStringList masks(int port, int first, const QVector<quint32> &values)
-{
-    QStringList all;
-    for (int i = 0; i < 6; ++i) {
-        all +=
-            call("VRNewFilterMask",
-                 {QString::number(port), QString::number(first + i), number(values.value(i, 0))});
-    }
-    return all;
-}
-
-QStringList names(const char *type, int first, const QStringList &texts)
-{
-    QStringList all;
-    for (int i = 0; i < texts.size(); ++i) {
-        all += call("VRNewPortName",
-                    {QLatin1String(type), QString::number(first + i), quoted(texts.at(i))});
-    }
-    return all;
-}
-
-QStringList headers(int port, const QStringList &texts)
-{
-    QStringList all;
-    for (int i = 0; i < texts.size(); ++i) {
-        all += call("VRNewHdr", {QString::number(port), QString::number(i), quoted(texts.at(i))});
-    }
-    return all;
-}
-
-QStringList formatters(quint32 first, const QStringList &texts)
-{
-    QStringList all;
-    for (int i = 0; i < texts.size(); ++i) {
-        all += call("VRNewFilterStr",
-                    {QString::number(quint8(first + quint32(i))), quoted(texts.at(i))});
-    }
-    return all;
-}
-
-const QString sumError = QStringLiteral("CommandCRSError()");
-const QByteArray twelveWords =
-    QByteArrayLiteral("123404F0FFFFF0F000000001A5C30F0F8000008000FFFF00");
-const QByteArray sixMasks = QByteArrayLiteral("000000000000000180000000FFFFFFFF12345678A5A5C3C3");
-const QByteArray chipDigits = QByteArrayLiteral("00112233445566778899AABBCCDDEEFF");
-
-const QVector<Word> twelveWordValues{{0x12, 0x34}, {0x04, 0xf0}, {0xff, 0xff}, {0xf0, 0xf0},
-                                     {0x00, 0x00}, {0x00, 0x01}, {0xa5, 0xc3}, {0x0f, 0x0f},
-                                     {0x80, 0x00}, {0x00, 0x80}, {0x00, 0xff}, {0xff, 0x00}};
-const QVector<quint32> sixMaskValues{0, 1, 0x80000000, 0xffffffff, 0x12345678, 0xa5a5c3c3};
 
 } // namespace
 
@@ -166,19 +67,6 @@ void tst_Dispatch::signalsAndSlots()
     // The slots stand behind all signals.
     QCOMPARE(names, expected.split(' '));
 }
-
-void tst_Dispatch::init()
-{
-    m_link = std::make_unique<NmeaSerialPort>();
-    m_journal = std::make_unique<LinkJournal>(m_link.get());
-}
-
-void tst_Dispatch::cleanup()
-{
-    m_journal.reset();
-    m_link.reset();
-}
-
 void tst_Dispatch::sentences()
 {
     QTest::addColumn<QByteArray>("line");
@@ -435,7 +323,7 @@ void tst_Dispatch::reportSentences()
     row("FBK: bank 3 isn't", checkedLine("$VRFBK,3"), {});
 
     const auto whole = [](const char *name, const QByteArray &line) -> QString {
-        return QLatin1String(name) + '(' + quoted(QString::fromUtf8(line)) + ')';
+        return QLatin1String(name) + '(' + LinkJournal::quoted(QString::fromUtf8(line)) + ')';
     };
     const QByteArray aim = checkedLine("$VRAIM,3,1,1,,A,13u?etPv2;0n:dDPwUM1U1Cb069D,0");
     const QByteArray aio = checkedLine("$VRAIO,3,1,1,,,13u?etPv2;0n:dDPwUM1U1Cb069D,0");
@@ -474,8 +362,7 @@ void tst_Dispatch::sentencesBySlot()
 {
     QFETCH(QByteArray, line);
     QFETCH(QStringList, expected);
-    m_link->slot_VRNMEA(QString::fromUtf8(line));
-    QCOMPARE(m_journal->texts(), expected);
+    QCOMPARE(of(QString::fromUtf8(line)), expected);
 }
 
 void tst_Dispatch::sentencesByBytes()
@@ -483,113 +370,12 @@ void tst_Dispatch::sentencesByBytes()
     QFETCH(QByteArray, line);
     QFETCH(QStringList, expected);
     QVERIFY(line.size() <= 95);
-    connect(m_link.get(), &NmeaSerialPort::signalVRNMEA_receive, m_link.get(),
-            &NmeaSerialPort::slot_VRNMEA);
-    m_link->receiveBytes(line.constData(), line.size());
-    QCOMPARE(m_journal->texts(), expected);
+    NmeaSerialPort link;
+    const LinkJournal journal(&link);
+    connect(&link, &NmeaSerialPort::signalVRNMEA_receive, &link, &NmeaSerialPort::slot_VRNMEA);
+    link.receiveBytes(line.constData(), line.size());
+    QCOMPARE(journal.texts(), expected);
 }
-
-namespace {
-
-// A good sentence of each checked kind.
-const QByteArray checkedBodies[] = {
-    "$VRCNU,3",
-    "$VRSPD,3,9600",
-    "$VRRUL,5,0," + twelveWords,
-    "$VRFLT,7,0,6," + sixMasks,
-    "$VRPNM,I,0,a,b,c,d,e,f",
-    "$VRHDC,9,0,GP,,HE,II,,,,,,,,AI",
-    "$VRFLS,8,RMC,,GGA,VDM,,,,HDT",
-    "$VRVER,3.4",
-    "$VRMOD,Normal1",
-    "$VRERR,01F4,2C",
-    "$VRFWP,1023",
-    "$VRFWE,4",
-    "$VRSTA,1,2,3,4,5,6",
-    "$VRSER," + chipDigits,
-    "$VRPWS,OK",
-    "$VRLCK,1,5",
-    "$VRPWV,Secret7",
-    "$VRFBK,1",
-    "$VRAIM,3,1,1,,A,13u?etPv2;0n:dDPwUM1U1Cb069D,0",
-    "$VRAIO,3,1,1,,,13u?etPv2;0n:dDPwUM1U1Cb069D,0",
-    "$VRAIA,3,133710,001,A,V,Tx malfunction",
-    "$VRAIP,5,A,5957.9700,N,03019.1100,E",
-};
-
-} // namespace
-
-void tst_Dispatch::wrongChecksum_data()
-{
-    QTest::addColumn<QByteArray>("body");
-    for (const QByteArray &body : checkedBodies)
-        QTest::newRow(body.mid(3, 3).constData()) << body;
-}
-
-void tst_Dispatch::wrongChecksum()
-{
-    QFETCH(QByteArray, body);
-    const QString sum = QString::number(xorSum(body), 16);
-    const QString text = QString::fromLatin1(body);
-    const QStringList wrong{
-        QString::fromLatin1(wronglyCheckedLine(body)),
-        text + "\r\n",
-        text + "*\r\n",
-        text + "*XX\r\n",
-        text + "*1" + sum + "\r\n",
-        text + "*" + sum + ",\r\n",
-        text + "**" + sum + "\r\n",
-    };
-    for (const QString &line : wrong) {
-        m_journal->clear();
-        m_link->slot_VRNMEA(line);
-        QCOMPARE(m_journal->texts(), QStringList{sumError});
-    }
-}
-
-void tst_Dispatch::everyTruncationIsHarmless_data()
-{
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<int>("wordDigits"); // of words without a separator; 0: the fields have one
-    for (const QByteArray &body : checkedBodies) {
-        const QByteArray code = body.mid(3, 3);
-        if (code == "CNU") // what it does depends on the search, and is tested there
-            continue;
-        const int wordDigits = code == "RUL" ? 4 : code == "FLT" ? 8 : 0;
-        QTest::newRow(code.constData()) << body << wordDigits;
-    }
-}
-
-// A body cut anywhere, with a right checksum behind it, raises a beginning of what the whole
-// sentence raises. What the cut goes through can say something else, and so can words that are not
-// there.
-void tst_Dispatch::everyTruncationIsHarmless()
-{
-    QFETCH(QByteArray, body);
-    QFETCH(int, wordDigits);
-    constexpr int headLength = 6;
-    const auto raisedBy = [this](const QByteArray &sentence) {
-        m_journal->clear();
-        m_link->slot_VRNMEA(QString::fromLatin1(checkedLine(sentence)));
-        return m_journal->texts();
-    };
-    const auto nameOf = [](const QString &report) { return report.section('(', 0, 0); };
-    const QStringList whole = raisedBy(body);
-    QVERIFY(!whole.isEmpty());
-    const int wordsStart = body.lastIndexOf(',') + 1;
-    for (int length = 1; length < body.size(); ++length) {
-        const QStringList raised = raisedBy(body.left(length));
-        if (length <= headLength)
-            QCOMPARE(raised, QStringList());
-        QVERIFY(raised.size() <= whole.size());
-        const int told = wordDigits > 0 ? (length - wordsStart) / wordDigits : whole.size() - 1;
-        const int unharmed = qBound(0, told, raised.size());
-        QCOMPARE(raised.mid(0, unharmed), whole.mid(0, unharmed));
-        for (int i = 0; i < raised.size(); ++i)
-            QCOMPARE(nameOf(raised.at(i)), nameOf(whole.at(i)));
-    }
-}
-
 void tst_Dispatch::bareText_data()
 {
     QTest::addColumn<QString>("text");
@@ -631,202 +417,7 @@ void tst_Dispatch::bareText()
 {
     QFETCH(QString, text);
     QFETCH(QStringList, expected);
-    m_link->slot_VRNMEA(text);
-    QCOMPARE(m_journal->texts(), expected);
+    QCOMPARE(of(text), expected);
 }
-
-namespace {
-
-struct NumberText
-{
-    const char *text;
-    quint32 value; // what an unsigned decimal conversion makes of it; 0 where it fails
-};
-
-constexpr NumberText numberTexts[] = {
-    {"0", 0},
-    {"11", 11},
-    {"007", 7},
-    {"12", 12},
-    {"99", 99},
-    {"255", 255},
-    {"256", 256},
-    {"267", 267},
-    {"65536", 65536},
-    {"2147483648", 2147483648U},
-    {"4294967295", 4294967295U},
-    {"4294967296", 0},
-    {"99999999999999999999", 0},
-    {"-1", 0},
-    {"", 0},
-    {"abc", 0},
-    {"3.0", 0},
-    {"1e1", 0},
-};
-
-using Expect = std::function<QStringList(quint32)>;
-
-struct NumberField
-{
-    const char *name;
-    QByteArray body; // '%' stands for the number
-    bool checked;
-    Expect expected;
-};
-
-QStringList sixNames(quint32 first)
-{
-    if (first != 0 && first != 6)
-        return {};
-    return names("false", int(first), {"a", "b", "c", "d", "e", "f"});
-}
-
-QVector<NumberField> numberFields()
-{
-    const QStringList eight{"AAA", "BBB", "CCC", "DDD", "EEE", "FFF", "GGG", "HHH"};
-    const QStringList twelve{"AA", "", "", "", "", "", "", "", "", "", "", "LL"};
-    const auto one = [](const QString &text) { return QStringList{text}; };
-    const auto status = [one](int place) {
-        return [one, place](quint32 n) {
-            QStringList values{"1", "2", "3", "4", "5", "6"};
-            values[place] = number(n);
-            return one(call("VRStatusErrors", values));
-        };
-    };
-    return {
-        {"SPD port wraps to a byte", "$VRSPD,%,9600", true,
-         [=](quint32 n) {
-             return one(call("VRNewPortSpeed", {number(quint8(n)), "9600"}));
-         }},
-        {"SPD speed is the whole number", "$VRSPD,3,%", true,
-         [=](quint32 n) {
-             return one(call("VRNewPortSpeed", {"3", number(n)}));
-         }},
-        {"RUL port wraps to a byte", "$VRRUL,%,0," + twelveWords, true,
-         [](quint32 n) { return rules(quint8(n), twelveWordValues); }},
-        {"FLT port wraps to a byte", "$VRFLT,%,0,6," + sixMasks, true,
-         [](quint32 n) { return masks(quint8(n), 6, sixMaskValues); }},
-        {"FLT first is the low byte, and channels go on above it", "$VRFLT,3,0,%," + sixMasks, true,
-         [](quint32 n) { return masks(3, quint8(n), sixMaskValues); }},
-        {"PNM first must be 0 or 6", "$VRPNM,I,%,a,b,c,d,e,f", true, sixNames},
-        {"HDC port wraps to a byte", "$VRHDC,%,0,AA,,,,,,,,,,,LL", true,
-         [=](quint32 n) { return headers(quint8(n), twelve); }},
-        {"FLS index wraps to a byte", "$VRFLS,%,AAA,BBB,CCC,DDD,EEE,FFF,GGG,HHH", true,
-         [=](quint32 n) { return formatters(n, eight); }},
-        {"VER lsb", "$VRVER,3.%", true,
-         [=](quint32 n) {
-             return one(call("VRVersion", {"3", number(n)}));
-         }},
-        {"VVW must fit a byte", "$VRVVW,%\r\n", false,
-         [=](quint32 n) { return n > 255 ? QStringList() : one(call("VRPortView", {number(n)})); }},
-        {"FWP", "$VRFWP,%", true, [=](quint32 n) { return one(call("VRFwPacket", {number(n)})); }},
-        {"FWE", "$VRFWE,%", true, [=](quint32 n) { return one(call("VRFwError", {number(n)})); }},
-        {"STA row", "$VRSTA,%,2,3,4,5,6", true, status(0)},
-        {"STA first counter", "$VRSTA,1,%,3,4,5,6", true, status(1)},
-        {"STA second counter", "$VRSTA,1,2,%,4,5,6", true, status(2)},
-        {"STA third counter", "$VRSTA,1,2,3,%,5,6", true, status(3)},
-        {"STA fourth counter", "$VRSTA,1,2,3,4,%,6", true, status(4)},
-        {"STA fifth counter", "$VRSTA,1,2,3,4,5,%", true, status(5)},
-        {"FBK must be 0 to 2", "$VRFBK,%", true,
-         [=](quint32 n) {
-             return n > 2 ? QStringList() : one(call("VRUsedFlashBank", {number(n)}));
-         }},
-    };
-}
-
-} // namespace
-
-void tst_Dispatch::numbers_data()
-{
-    QTest::addColumn<QByteArray>("line");
-    QTest::addColumn<QStringList>("expected");
-    for (const NumberField &field : numberFields()) {
-        for (const NumberText &text : numberTexts) {
-            const QByteArray body = QByteArray(field.body).replace('%', text.text);
-            QTest::addRow("%s: '%s'", field.name, text.text)
-                << (field.checked ? checkedLine(body) : body) << field.expected(text.value);
-        }
-    }
-    // The version's first number ends at the first dot, wherever it comes from.
-    QTest::newRow("VER msb: '4294967295'")
-        << checkedLine("$VRVER,4294967295.4") << QStringList{"VRVersion(4294967295, 4)"};
-    QTest::newRow("VER msb: '4294967296'")
-        << checkedLine("$VRVER,4294967296.4") << QStringList{"VRVersion(0, 4)"};
-    QTest::newRow("VER msb: '-1'") << checkedLine("$VRVER,-1.4") << QStringList{"VRVersion(0, 4)"};
-    QTest::newRow("VER msb: ''") << checkedLine("$VRVER,.4") << QStringList{"VRVersion(0, 4)"};
-    QTest::newRow("VER msb: '3.0'")
-        << checkedLine("$VRVER,3.0.4") << QStringList{"VRVersion(3, 0)"};
-}
-
-void tst_Dispatch::numbers()
-{
-    QFETCH(QByteArray, line);
-    QFETCH(QStringList, expected);
-    m_link->slot_VRNMEA(QString::fromLatin1(line));
-    QCOMPARE(m_journal->texts(), expected);
-}
-
-void tst_Dispatch::connectAnswer_data()
-{
-    QTest::addColumn<QByteArray>("field");
-    QTest::addColumn<int>("port"); // -1: refused
-    QTest::newRow("lowest port") << QByteArray("0") << 0;
-    QTest::newRow("highest port") << QByteArray("11") << 11;
-    QTest::newRow("12 is above the highest") << QByteArray("12") << -1;
-    QTest::newRow("255") << QByteArray("255") << -1;
-    QTest::newRow("256 doesn't wrap to 0") << QByteArray("256") << -1;
-    QTest::newRow("267 doesn't wrap to 11") << QByteArray("267") << -1;
-    QTest::newRow("4294967295") << QByteArray("4294967295") << -1;
-    QTest::newRow("4294967296 doesn't convert and counts as 0") << QByteArray("4294967296") << 0;
-    QTest::newRow("negative counts as 0") << QByteArray("-1") << 0;
-    QTest::newRow("empty counts as 0") << QByteArray("") << 0;
-    QTest::newRow("text counts as 0") << QByteArray("abc") << 0;
-    QTest::newRow("two fields count as 0") << QByteArray("3,4") << 0;
-}
-
-// The first answer moves the search to its last speed, whatever it says; the second is looked at.
-void tst_Dispatch::connectAnswer()
-{
-    QFETCH(QByteArray, field);
-    QFETCH(int, port);
-    const QString answer = QString::fromLatin1(checkedLine("$VRCNU," + field));
-    m_link->slot_VRNMEA(answer);
-    QCOMPARE(m_journal->texts(), QStringList());
-    m_link->slot_VRNMEA(answer);
-    if (port < 0) {
-        QCOMPARE(m_journal->texts(), QStringList());
-        return;
-    }
-    QCOMPARE(
-        m_journal->texts(),
-        (QStringList{"VRConnectionProgress(100)", "VRConnect(" + QString::number(port) + ")"}));
-    m_link->slot_VRNMEA(answer);
-    QCOMPARE(m_journal->entries().size(), 2);
-}
-
-void tst_Dispatch::serialBlockIsCleared_data()
-{
-    QTest::addColumn<QByteArray>("line");
-    QTest::newRow("wrong checksum") << wronglyCheckedLine("$VRSER," + chipDigits);
-    QTest::newRow("30 digits") << checkedLine("$VRSER," + chipDigits.left(30));
-    QTest::newRow("34 digits") << checkedLine("$VRSER," + chipDigits + "00");
-    QTest::newRow("last pair isn't a number")
-        << checkedLine("$VRSER," + chipDigits.left(30) + "XX");
-}
-
-void tst_Dispatch::serialBlockIsCleared()
-{
-    QFETCH(QByteArray, line);
-    const QByteArray *block = nullptr;
-    connect(m_link.get(), &NmeaSerialPort::signalVRSerial, m_link.get(),
-            [&](const QByteArray *reported) { block = reported; });
-    m_link->slot_VRNMEA(QString::fromLatin1(checkedLine("$VRSER," + chipDigits)));
-    QVERIFY(block);
-    QCOMPARE(*block, QByteArray::fromHex(chipDigits));
-    m_link->slot_VRNMEA(QString::fromLatin1(line));
-    QCOMPARE(*block, QByteArray());
-    QCOMPARE(m_journal->count("VRSerial(" + QString::fromLatin1(chipDigits).toLower() + ")"), 1);
-}
-
 QTEST_APPLESS_MAIN(tst_Dispatch)
 #include "tst_dispatch.moc"
