@@ -32,6 +32,9 @@ ConnectProgress::ConnectProgress(QWidget *parent)
 void ConnectProgress::showProgress(int progress)
 {
     findChild<QProgressBar *>()->setValue(progress);
+    // The box that may come next could not be reached behind it.
+    if (progress >= maximum())
+        finish();
 }
 
 void ConnectProgress::finish()

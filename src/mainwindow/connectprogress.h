@@ -5,7 +5,7 @@
 /*!
  * The progress of the search for the router, over the window that it keeps the user from. Neither
  * key nor press nor the window manager closes it, and it comes back if the system hides it: only
- * finish() ends it.
+ * the end of the search, or finish(), ends it.
  */
 class ConnectProgress : public QProgressDialog
 {
@@ -15,8 +15,9 @@ public:
     explicit ConnectProgress(QWidget *parent);
 
     /*!
-     * Shows \a progress of 100 on the bar. QProgressDialog::setValue() of a modal dialog would run
-     * the event loop, in which the search can end and the dialog go.
+     * Shows \a progress of 100 on the bar; at 100 the search has ended, and finish() follows.
+     * QProgressDialog::setValue() of a modal dialog would run the event loop, in which the search
+     * can end and the dialog go.
      */
     void showProgress(int progress);
 

@@ -12,7 +12,6 @@
 
 namespace {
 
-constexpr int progressMaximum = 100;
 constexpr quint8 nothingUnderView = 255;
 
 } // namespace
@@ -68,12 +67,8 @@ void MainWindow::wireLink()
 
 void MainWindow::slotProgress(int progress)
 {
-    if (!progress_dialog)
-        return;
-    progress_dialog->showProgress(progress);
-    // The box that may come next could not be reached behind it.
-    if (progress >= progressMaximum)
-        progress_dialog->finish();
+    if (progress_dialog)
+        progress_dialog->showProgress(progress);
 }
 
 void MainWindow::closeProgressDialog()
