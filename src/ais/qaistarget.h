@@ -24,8 +24,8 @@ public:
     QString statusText() const;
     QString accuracyText() const;   //!< "<10m" or ">10м"
     /*!
-     * The raw value over 4.733 with two decimals, which is not degrees per minute: those grow with its
-     * square. Empty when it is not available.
+     * The raw value over 4.733 with two decimals, which is not degrees per minute: those grow with
+     * its square. Empty when it is not available.
      */
     QString rateOfTurnText() const;
     QString positionText() const;
