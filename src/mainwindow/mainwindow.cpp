@@ -7,11 +7,15 @@
 #include "service/waitsavedlg.h"
 #include "ui_mainwindow.h"
 #include "widgets/dragframe.h"
+#include "widgets/pngicon.h"
 #include "widgets/qclicklabel.h"
 #include "widgets/qmcombobox.h"
 #include "widgets/qmpushbutton.h"
 
+#include <QHash>
 #include <QTimer>
+
+#include <type_traits>
 
 namespace {
 
@@ -78,25 +82,31 @@ MainWindow::~MainWindow()
 
 void MainWindow::findRows()
 {
-    const auto named = [](const char *pattern, int number) {
-        return QString::fromLatin1(pattern).arg(number);
+    // One walk through the tree for all of them.
+    QHash<QString, QWidget *> widgets;
+    const auto all = findChildren<QWidget *>();
+    for (QWidget *widget : all)
+        widgets.insert(widget->objectName(), widget);
+    const auto find = [&widgets](auto *&widget, const char *pattern, int number) {
+        using Widget = std::remove_reference_t<decltype(widget)>;
+        widget = qobject_cast<Widget>(widgets.value(QString::fromLatin1(pattern).arg(number)));
     };
     for (int i = 0; i < ChannelCount; ++i) {
         ChannelRow &row = channel_rows[size_t(i)];
-        row.view = findChild<QPushButton *>(named("pushButton_channel_%1", i));
-        row.filter = findChild<QCheckBox *>(named("checkBox_channel_%1_filter", i));
-        row.filter_set = findChild<QPushButton *>(named("pushButton_channel_%1_filter_set", i));
-        row.crs = findChild<QCheckBox *>(named("checkBox_channel_%1_crs", i));
-        row.smart = findChild<QPushButton *>(named("pushButton_channel_%1_smart", i));
-        row.hdr = findChild<QCheckBox *>(named("checkBox_channel_%1_hdr", i));
-        row.hdr_text = findChild<QLineEdit *>(named("lineEdit_channel_%1_hdr", i));
-        row.hdr_set = findChild<QPushButton *>(named("pushButton_channel_%1_hdr_set", i));
+        find(row.view, "pushButton_channel_%1", i);
+        find(row.filter, "checkBox_channel_%1_filter", i);
+        find(row.filter_set, "pushButton_channel_%1_filter_set", i);
+        find(row.crs, "checkBox_channel_%1_crs", i);
+        find(row.smart, "pushButton_channel_%1_smart", i);
+        find(row.hdr, "checkBox_channel_%1_hdr", i);
+        find(row.hdr_text, "lineEdit_channel_%1_hdr", i);
+        find(row.hdr_set, "pushButton_channel_%1_hdr_set", i);
     }
     for (int i = 0; i < OutputPortCount; ++i) {
         OutputRow &row = output_rows[size_t(i)];
-        row.frame = findChild<QFrame *>(named("frame_output_ports_%1", i));
-        row.button = findChild<QMPushButton *>(named("pushButton_output_port_%1", i));
-        row.speed = findChild<QMComboBox *>(named("comboBox_output_port_%1", i));
+        find(row.frame, "frame_output_ports_%1", i);
+        find(row.button, "pushButton_output_port_%1", i);
+        find(row.speed, "comboBox_output_port_%1", i);
     }
 }
 
@@ -164,7 +174,7 @@ void MainWindow::setTexts()
     }
 
     ui->pushButton_Service->setText(QString());
-    ui->pushButton_Service->setIcon(QIcon(QStringLiteral(":/icons/logo-180x60-transparent.png")));
+    ui->pushButton_Service->setIcon(pngIcon(QStringLiteral(":/icons/logo-180x60-transparent.png")));
     ui->pushButton_Service->setIconSize(ui->pushButton_Service->minimumSize());
 
     for (QLabel *label :

@@ -3,6 +3,7 @@
 #include "mainwindow/statuswidget.h"
 #include "model/viewcode.h"
 #include "ui_mainwindow.h"
+#include "widgets/pngicon.h"
 #include "widgets/screenarea.h"
 #include "widgets/uiscale.h"
 
@@ -75,9 +76,9 @@ void MainWindow::slotPlayNMEA()
 void MainWindow::setPlay(bool play)
 {
     play_enabled = play;
-    status_widget->pushButton_play->setIcon(QIcon(play
-                                                      ? QStringLiteral(":/icons/player_pause.png")
-                                                      : QStringLiteral(":/icons/player_play.png")));
+    status_widget->pushButton_play->setIcon(
+        pngIcon(play ? QStringLiteral(":/icons/player_pause.png")
+                     : QStringLiteral(":/icons/player_play.png")));
     nameSwitches();
 }
 
@@ -167,8 +168,8 @@ void MainWindow::slotButViewSpeed()
     }
     setViewWidths(widths, speed_visible ? delta : -delta);
     status_widget->pushButton_view_speed->setIcon(
-        QIcon(speed_visible ? QStringLiteral(":/icons/arrow_left.png")
-                            : QStringLiteral(":/icons/arrow_right.png")));
+        pngIcon(speed_visible ? QStringLiteral(":/icons/arrow_left.png")
+                              : QStringLiteral(":/icons/arrow_right.png")));
     nameSwitches();
     for (const InputRow &row : input_rows)
         row.speed_label->setVisible(speed_visible);

@@ -51,7 +51,9 @@ void MainWindow::makeScrollable()
     contents_area->setFocusPolicy(Qt::NoFocus);
     contents_area->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     contents_area->setWidgetResizable(true);
-    contents_area->setWidget(takeCentralWidget());
+    // Straight from one to the other: without a parent between, every widget would change its font
+    // twice.
+    contents_area->setWidget(centralWidget());
     setCentralWidget(contents_area);
     connect(contents_area->horizontalScrollBar(), &QScrollBar::valueChanged, status_widget,
             &statusWidget::scrollTo);

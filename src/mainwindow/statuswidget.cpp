@@ -1,6 +1,7 @@
 #include "mainwindow/statuswidget.h"
 
 #include "ui_statuswidget.h"
+#include "widgets/pngicon.h"
 #include "widgets/qclicklabel.h"
 #include "widgets/uiscale.h"
 
@@ -27,6 +28,11 @@ statusWidget::statusWidget() : ui(std::make_unique<Ui::statusWidget>())
     labelCrsLabel = ui->labelCrsLabel;
     listWidget = ui->listWidget;
     label_lock = ui->label_lock;
+
+    pushButton_play->setIcon(pngIcon(QStringLiteral(":/icons/player_pause.png")));
+    pushButton_view_small->setIcon(pngIcon(QStringLiteral(":/icons/arrow_up.png")));
+    pushButton_view_big->setIcon(pngIcon(QStringLiteral(":/icons/arrow_down.png")));
+    pushButton_view_speed->setIcon(pngIcon(QStringLiteral(":/icons/arrow_right.png")));
 
     const double factor = ui_scale();
     setFixedSize(scaled(width(), factor), scaled(height(), factor));
