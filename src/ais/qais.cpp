@@ -251,9 +251,10 @@ void QAis::updateAlarm(quint8 id, quint8 hour, quint8 minute, quint8 second, boo
         emit signalUpdateAlarm(m_port, id);
 }
 
-void QAis::setOwnPosition(uint source, const QGpsKrd *position)
+bool QAis::setOwnPosition(uint source, const QGpsKrd *position)
 {
-    if (takesPosition(source)) {
+    const bool isTaken = takesPosition(source);
+    if (isTaken) {
         m_ownPosition.assign(*position);
         m_fromOwnPosition = GreatCircle(m_ownPosition);
         m_hasOwnPosition = true;
@@ -262,6 +263,7 @@ void QAis::setOwnPosition(uint source, const QGpsKrd *position)
     }
     for (QAisTarget *target : qAsConst(m_targets))
         updateRange(*target);
+    return isTaken;
 }
 
 bool QAis::takesPosition(uint source) const

@@ -91,9 +91,9 @@ public:
      * Offers a \a position of the own ship, which is copied and must not be null, from \a source:
      * an input port or RouterSource. That of the own port is always taken; otherwise the source
      * that is held keeps its place until it has been silent for 10 s. All ranges are computed anew,
-     * also when the position is dropped.
+     * also when the position is dropped, which changes none of them. Returns whether it is taken.
      */
-    void setOwnPosition(uint source, const QGpsKrd *position);
+    bool setOwnPosition(uint source, const QGpsKrd *position);
 
     /*!
      * What the timer runs each second: the own position and the targets that have been silent for

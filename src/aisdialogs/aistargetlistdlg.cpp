@@ -50,6 +50,9 @@ public:
 
     const QString &shown() const { return m_text; }
 
+    // Not a number where the text is none.
+    double number() const { return m_number; }
+
     // Whether the text is certainly that of the range: half a step of it, less what rounding may
     // do.
     bool reads(double range) const
@@ -80,6 +83,11 @@ ListItem *cellAt(const QTableWidget *table, int row, int column)
 const QString &textAt(const QTableWidget *table, int row, int column)
 {
     return cellAt(table, row, column)->shown();
+}
+
+uint mmsiAt(const QTableWidget *table, int row)
+{
+    return uint(cellAt(table, row, mmsiColumn)->number());
 }
 
 // The numbers of the rows. The last is the widest; Qt would measure two hundred of them behind each
@@ -193,6 +201,7 @@ void AisTargetListDlg::fillRow(int row, const QAisTarget &target)
     };
     const Qt::Alignment left = Qt::AlignLeft | Qt::AlignVCenter;
     put(mmsiColumn, mmsiText(target.m_mmsi), Qt::AlignCenter);
+    m_cells.insert(target.m_mmsi, ui->ais_list->item(row, mmsiColumn));
     put(nameColumn, nameOf(target), left);
     put(rangeColumn, rangeOf(&target), left);
 }
@@ -253,6 +262,7 @@ void AisTargetListDlg::slotDeleteTarget(uint mmsi)
     const int row = rowOf(mmsi);
     if (row >= 0) {
         m_pace->beginChange();
+        m_cells.remove(mmsi);
         ui->ais_list->removeRow(row);
     }
     // Its target stays, and its timer goes on reading it.
@@ -267,7 +277,7 @@ void AisTargetListDlg::refreshRanges()
     const QTableWidget *table = ui->ais_list;
     std::vector<std::pair<QTableWidgetItem *, QString>> changes;
     for (int row = 0; row < table->rowCount(); ++row) {
-        const QAisTarget *target = m_ais->findTarget(textAt(table, row, mmsiColumn).toUInt());
+        const QAisTarget *target = m_ais->findTarget(mmsiAt(table, row));
         ListItem *range = cellAt(table, row, rangeColumn);
         if (target && target->m_rangeValid && range->reads(target->m_range))
             continue;
@@ -297,12 +307,8 @@ void AisTargetListDlg::slotLostPosition()
 // -1: it has none.
 int AisTargetListDlg::rowOf(uint mmsi) const
 {
-    const QString text = mmsiText(mmsi);
-    for (int row = 0; row < ui->ais_list->rowCount(); ++row) {
-        if (textAt(ui->ais_list, row, mmsiColumn) == text)
-            return row;
-    }
-    return -1;
+    const QTableWidgetItem *cell = m_cells.value(mmsi);
+    return cell ? ui->ais_list->row(cell) : -1;
 }
 
 bool AisTargetListDlg::isInfoOf(const QAisTarget *target) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QHash>
 
 #include <memory>
 
@@ -8,6 +9,10 @@ class AisTargetInfoDlg;
 class PaintPace;
 class QAis;
 class QAisTarget;
+
+QT_BEGIN_NAMESPACE
+class QTableWidgetItem;
+QT_END_NAMESPACE
 
 namespace Ui {
 class AisTargetListDlg;
@@ -54,6 +59,8 @@ private:
 
     std::unique_ptr<Ui::AisTargetListDlg> ui;
     QAis *m_ais = nullptr;
+    QHash<uint, QTableWidgetItem *>
+        m_cells;                        //!< those of the first column, by the MMSI that they read
     AisTargetInfoDlg *m_info = nullptr; //!< made at the first double click, then kept
     PaintPace *m_pace;                  //!< of the table
 };

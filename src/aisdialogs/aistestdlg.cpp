@@ -185,11 +185,12 @@ void aistestdlg::slotUpdateAlarm(uint port_number, quint8 id)
         m_alarmList[port_number]->showAlarm(id);
 }
 
+// Most ports hold another source and drop the position: nothing of their lists would change.
 void aistestdlg::slotNewOwnPosition(uint port, QGpsKrd *Pos)
 {
     for (uint i = 0; i < m_ais.size(); ++i) {
-        m_ais[i].setOwnPosition(port, Pos);
-        if (m_targetList[i])
+        const bool isTaken = m_ais[i].setOwnPosition(port, Pos);
+        if (isTaken && m_targetList[i])
             m_targetList[i]->refreshRanges();
     }
 }
