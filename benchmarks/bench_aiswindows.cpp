@@ -2,7 +2,7 @@
 #include "link/nmeaserialport.h"
 #include "mainwindow/mainwindow.h"
 #include "platform/keyboard.h"
-#include "simulator/routersimulator.h"
+#include "simulator/router/routersimulator.h"
 #include "support/aistestuser.h"
 #include "support/boxanswer.h"
 

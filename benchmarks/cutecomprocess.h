@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/linepacer.h"
+#include "simulator/line/linepacer.h"
 #include "support/ptypair.h"
 
 #include <QProcess>

@@ -7,8 +7,8 @@
 #include "timerdriver.h"
 #include "worldmodel.h"
 
-#include "simulator/aisworld.h"
-#include "simulator/sentence.h"
+#include "simulator/instruments/aisworld.h"
+#include "simulator/line/sentence.h"
 
 #include <QHeaderView>
 #include <QPushButton>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/aisreport.h"
+#include "simulator/instruments/aisreport.h"
 
 #include <QMap>
 #include <QStringList>

@@ -2,7 +2,7 @@
 
 #include "routerstate.h"
 
-#include "simulator/routersimulator.h"
+#include "simulator/router/routersimulator.h"
 
 #include <QObject>
 

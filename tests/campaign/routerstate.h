@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/routerconfig.h"
+#include "simulator/router/routerconfig.h"
 
 #include <QByteArray>
 #include <QString>

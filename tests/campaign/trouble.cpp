@@ -3,7 +3,7 @@
 #include "routerthread.h"
 #include "steplog.h"
 
-#include "simulator/sentence.h"
+#include "simulator/line/sentence.h"
 
 #include <algorithm>
 #include <iterator>

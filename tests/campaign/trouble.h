@@ -2,8 +2,8 @@
 
 #include "dice.h"
 
-#include "simulator/faults.h"
-#include "simulator/routerconfig.h"
+#include "simulator/router/faults.h"
+#include "simulator/router/routerconfig.h"
 
 #include <QString>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "mainwindow/mainwindow.h"
-#include "simulator/routersimulator.h"
+#include "simulator/router/routersimulator.h"
 #include "support/boxanswer.h"
 
 #include <QSignalSpy>

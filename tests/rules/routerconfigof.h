@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/routermodel.h"
-#include "simulator/routerconfig.h"
+#include "simulator/router/routerconfig.h"
 
 /*! \a model as the simulated router keeps it. */
 inline tk7sim::RouterConfig routerConfigOf(const RouterModel &model)

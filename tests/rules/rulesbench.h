@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/routermodel.h"
-#include "simulator/routersimulator.h"
+#include "simulator/router/routersimulator.h"
 
 #include <QDir>
 #include <QFile>

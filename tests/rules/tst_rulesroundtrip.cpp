@@ -5,8 +5,8 @@
 #include "routerconfigof.h"
 #include "rules/difference.h"
 #include "rules/ruledocument.h"
-#include "simulator/faultset.h"
-#include "simulator/routercore.h"
+#include "simulator/router/faultset.h"
+#include "simulator/router/routercore.h"
 
 #include <QtTest>
 

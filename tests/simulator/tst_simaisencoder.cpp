@@ -1,5 +1,5 @@
-#include "simulator/aisencoder.h"
-#include "simulator/otherstations.h"
+#include "simulator/instruments/aisencoder.h"
+#include "simulator/instruments/otherstations.h"
 
 #include "aisbits.h"
 

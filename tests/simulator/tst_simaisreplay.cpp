@@ -1,5 +1,5 @@
-#include "simulator/aisreplay.h"
-#include "simulator/sentence.h"
+#include "simulator/instruments/aisreplay.h"
+#include "simulator/line/sentence.h"
 
 #include <QTemporaryDir>
 #include <QtTest>

@@ -1,6 +1,6 @@
-#include "simulator/aisworld.h"
-#include "simulator/routersimulator.h"
-#include "simulator/sentence.h"
+#include "simulator/instruments/aisworld.h"
+#include "simulator/line/sentence.h"
+#include "simulator/router/routersimulator.h"
 
 #include "terminalclient.h"
 

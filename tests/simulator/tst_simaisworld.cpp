@@ -1,5 +1,5 @@
-#include "simulator/aisworld.h"
-#include "simulator/sentence.h"
+#include "simulator/instruments/aisworld.h"
+#include "simulator/line/sentence.h"
 
 #include "aisbits.h"
 

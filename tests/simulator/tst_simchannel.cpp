@@ -1,5 +1,5 @@
-#include "simulator/channelgate.h"
-#include "simulator/sentence.h"
+#include "simulator/line/sentence.h"
+#include "simulator/router/channelgate.h"
 
 #include <QtTest>
 

@@ -1,7 +1,7 @@
-#include "simulator/configcodec.h"
-#include "simulator/linespeed.h"
-#include "simulator/routerconfig.h"
-#include "simulator/sentence.h"
+#include "simulator/line/linespeed.h"
+#include "simulator/line/sentence.h"
+#include "simulator/router/configcodec.h"
+#include "simulator/router/routerconfig.h"
 
 #include <QSet>
 #include <QtTest>

@@ -1,4 +1,4 @@
-#include "simulator/deadreckoning.h"
+#include "simulator/instruments/deadreckoning.h"
 
 #include <QtTest>
 

@@ -1,4 +1,4 @@
-#include "simulator/eepromfile.h"
+#include "simulator/router/eepromfile.h"
 
 #include <QTemporaryDir>
 #include <QtTest>

@@ -1,7 +1,7 @@
-#include "simulator/faults.h"
-#include "simulator/faultset.h"
-#include "simulator/routersimulator.h"
-#include "simulator/sentence.h"
+#include "simulator/line/sentence.h"
+#include "simulator/router/faults.h"
+#include "simulator/router/faultset.h"
+#include "simulator/router/routersimulator.h"
 
 #include "terminalclient.h"
 

@@ -1,6 +1,6 @@
-#include "simulator/firmwareupdate.h"
-#include "simulator/routersimulator.h"
-#include "simulator/sentence.h"
+#include "simulator/line/sentence.h"
+#include "simulator/router/firmwareupdate.h"
+#include "simulator/router/routersimulator.h"
 
 #include "terminalclient.h"
 

@@ -1,6 +1,6 @@
-#include "simulator/linenoise.h"
-#include "simulator/linepacer.h"
-#include "simulator/linespeed.h"
+#include "simulator/line/linenoise.h"
+#include "simulator/line/linepacer.h"
+#include "simulator/line/linespeed.h"
 
 #include <QElapsedTimer>
 #include <QSignalSpy>

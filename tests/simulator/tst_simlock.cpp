@@ -1,5 +1,5 @@
-#include "simulator/lockstore.h"
-#include "simulator/passwordmask.h"
+#include "simulator/program/passwordmask.h"
+#include "simulator/router/lockstore.h"
 
 #include <QtTest>
 

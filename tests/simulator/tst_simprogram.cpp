@@ -1,5 +1,5 @@
-#include "simulator/faults.h"
-#include "simulator/sentence.h"
+#include "simulator/line/sentence.h"
+#include "simulator/router/faults.h"
 
 #include "terminalclient.h"
 

@@ -1,7 +1,7 @@
-#include "simulator/configcodec.h"
-#include "simulator/linespeed.h"
-#include "simulator/routersimulator.h"
-#include "simulator/sentence.h"
+#include "simulator/line/linespeed.h"
+#include "simulator/line/sentence.h"
+#include "simulator/router/configcodec.h"
+#include "simulator/router/routersimulator.h"
 
 #include "idleloop.h"
 #include "terminalclient.h"

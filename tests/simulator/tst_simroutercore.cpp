@@ -1,5 +1,5 @@
-#include "simulator/routercore.h"
-#include "simulator/sentence.h"
+#include "simulator/line/sentence.h"
+#include "simulator/router/routercore.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>

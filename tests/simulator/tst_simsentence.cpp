@@ -1,5 +1,5 @@
-#include "simulator/lineassembler.h"
-#include "simulator/sentence.h"
+#include "simulator/line/lineassembler.h"
+#include "simulator/line/sentence.h"
 
 #include <QtTest>
 

@@ -1,7 +1,7 @@
-#include "simulator/portstatistics.h"
-#include "simulator/routercore.h"
-#include "simulator/routersimulator.h"
-#include "simulator/sentence.h"
+#include "simulator/line/sentence.h"
+#include "simulator/router/portstatistics.h"
+#include "simulator/router/routercore.h"
+#include "simulator/router/routersimulator.h"
 
 #include "terminalclient.h"
 

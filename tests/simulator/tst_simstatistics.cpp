@@ -1,4 +1,4 @@
-#include "simulator/portstatistics.h"
+#include "simulator/router/portstatistics.h"
 
 #include <QtTest>
 

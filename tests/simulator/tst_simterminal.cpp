@@ -1,6 +1,6 @@
-#include "simulator/linespeed.h"
-#include "simulator/portlink.h"
-#include "simulator/pseudoterminal.h"
+#include "simulator/line/linespeed.h"
+#include "simulator/line/portlink.h"
+#include "simulator/line/pseudoterminal.h"
 
 #include "idleloop.h"
 #include "terminalclient.h"
@@ -227,7 +227,8 @@ void TestSimTerminal::lastWordsHaveTheirSpeed()
     QCOMPARE(heard.at(1).at(1).toInt(), 115200);
 }
 
-// The same on a busy machine: the terminal is read when the settings are old, and the port not closed.
+// The same on a busy machine: the terminal is read when the settings are old, and the port not
+// closed.
 void TestSimTerminal::lastWordsOfASlowProgram()
 {
     static constexpr auto slowness = std::chrono::milliseconds(5);

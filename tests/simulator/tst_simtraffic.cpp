@@ -1,9 +1,9 @@
-#include "simulator/monitorfeed.h"
-#include "simulator/neighbours.h"
-#include "simulator/nmeaequipment.h"
-#include "simulator/sentence.h"
-#include "simulator/ship.h"
-#include "simulator/trafficgenerator.h"
+#include "simulator/instruments/neighbours.h"
+#include "simulator/instruments/nmeaequipment.h"
+#include "simulator/instruments/ship.h"
+#include "simulator/line/sentence.h"
+#include "simulator/router/monitorfeed.h"
+#include "simulator/router/trafficgenerator.h"
 
 #include "aisbits.h"
 

@@ -1,6 +1,6 @@
 #include "conversations.h"
 
-#include "simulator/sentence.h"
+#include "simulator/line/sentence.h"
 
 using namespace tk7sim;
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/routersimulator.h"
+#include "simulator/router/routersimulator.h"
 
 #include <QByteArray>
 #include <QList>

@@ -3,7 +3,7 @@
 #include "aiswatch.h"
 #include "listener.h"
 #include "monitorcheck.h"
-#include "simulator/routersimulator.h"
+#include "simulator/router/routersimulator.h"
 #include "tablerows.h"
 #include "tool.h"
 #include "traffic.h"

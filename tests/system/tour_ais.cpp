@@ -1,7 +1,7 @@
 #include "dialogmap.h"
 #include "likeness.h"
 #include "limits.h"
-#include "simulator/aisworld.h"
+#include "simulator/instruments/aisworld.h"
 #include "stepfailure.h"
 #include "tablerows.h"
 #include "tour.h"

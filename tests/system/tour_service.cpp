@@ -1,7 +1,7 @@
 #include "conversations.h"
 #include "dialogmap.h"
 #include "limits.h"
-#include "simulator/sentence.h"
+#include "simulator/line/sentence.h"
 #include "stepfailure.h"
 #include "story.h"
 #include "tour.h"
