@@ -102,7 +102,7 @@ AisEncoder encoded(const AisVoyageData &data)
     return message;
 }
 
-QList<QByteArray> aisBodies(const QByteArray &head, int sequence, const QByteArray &source,
+QList<QByteArray> aisBodies(const QByteArray &head, int sequence, const QByteArray &channel,
                             const AisEncoder &message)
 {
     const QByteArray payload = message.payload();
@@ -112,7 +112,7 @@ QList<QByteArray> aisBodies(const QByteArray &head, int sequence, const QByteArr
     for (int i = 0; i < total; ++i) {
         const int fillBits = i == total - 1 ? message.fillBits() : 0;
         bodies.append(head + ',' + QByteArray::number(total) + ',' + QByteArray::number(i + 1) + ','
-                      + shared + ',' + source + ','
+                      + shared + ',' + channel + ','
                       + payload.mid(i * payloadPerSentence, payloadPerSentence) + ','
                       + QByteArray::number(fillBits));
     }

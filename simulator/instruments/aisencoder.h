@@ -30,10 +30,10 @@ AisEncoder encoded(const AisVoyageData &data);
 
 /*!
  * The bodies of the sentences that carry \a message, as many as it needs: \a head ("!AIVDM"), the
- * number of sentences, the number of each, \a sequence if there are several, \a source (a radio
- * channel, or the port in the router's own sentences), payload, fill bits.
+ * number of sentences, the number of each, \a sequence if there are several, the radio channel,
+ * payload, fill bits.
  */
-QList<QByteArray> aisBodies(const QByteArray &head, int sequence, const QByteArray &source,
+QList<QByteArray> aisBodies(const QByteArray &head, int sequence, const QByteArray &channel,
                             const AisEncoder &message);
 
 } // namespace tk7sim

@@ -1,6 +1,6 @@
 #include "simulator/instruments/aisreplay.h"
 
-#include "simulator/line/sentence.h"
+#include "simulator/instruments/aissentence.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -8,72 +8,6 @@
 #include <algorithm>
 
 namespace tk7sim {
-
-namespace {
-
-constexpr int maxLength = 82;
-constexpr int talkerLength = 2;
-constexpr int checksumTail = 3;  // '*' and two digits
-constexpr int messageFields = 7; // of VDM and VDO: head, three numbers, channel, payload, fill bits
-constexpr int channelField = 4;
-constexpr int payloadField = 5;
-constexpr int alarmFields = 6; // of ALR: head, time, id, condition, acknowledgement, text
-
-bool isPrintable(const QByteArray &text)
-{
-    return std::all_of(text.cbegin(), text.cend(), [](char c) { return c >= ' ' && c <= '~'; });
-}
-
-// Tags of a recorder: "\s:station,c:1700000000*0E\!AIVDM..."
-QByteArray withoutTags(const QByteArray &line)
-{
-    if (!line.startsWith('\\')) {
-        return line;
-    }
-    const auto end = line.indexOf('\\', 1);
-    return end < 0 ? QByteArray() : line.mid(end + 1);
-}
-
-// The fields of a sentence with a right checksum, its head among them; nothing of any other.
-QList<QByteArray> fieldsOf(const QByteArray &line)
-{
-    const auto star = line.indexOf('*');
-    const bool isSentence = line.size() <= maxLength && isPrintable(line) && star > 0
-        && star == line.size() - checksumTail;
-    if (!isSentence) {
-        return {};
-    }
-    const auto stated = parseHex(line.mid(star + 1), 2);
-    if (!stated || *stated != checksumOf(line)) {
-        return {};
-    }
-    return line.left(star).split(',');
-}
-
-} // namespace
-
-std::optional<QByteArray> wrapAisLine(const QByteArray &line, int port)
-{
-    constexpr int nameStart = 1 + talkerLength;
-    auto fields = fieldsOf(withoutTags(line.trimmed()));
-    if (fields.isEmpty() || fields.constFirst().size() != nameStart + 3) {
-        return std::nullopt;
-    }
-    const char mark = fields.constFirst().at(0);
-    const QByteArray name = fields.constFirst().mid(nameStart);
-    const QByteArray portDigit = QByteArray::number(port, 16).toUpper();
-    const bool isMessage = mark == '!' && (name == "VDM" || name == "VDO");
-    if (isMessage && fields.size() == messageFields && !fields.at(payloadField).isEmpty()) {
-        fields[0] = name == "VDM" ? "$VRAIM" : "$VRAIO";
-        fields[channelField] = portDigit;
-        return fields.join(',');
-    }
-    if (mark == '$' && name == "ALR" && fields.size() == alarmFields) {
-        fields[0] = "$VRAIA," + portDigit;
-        return fields.join(',');
-    }
-    return std::nullopt;
-}
 
 AisReplay::AisReplay(int port, const QByteArray &contents) : m_port(port)
 {
@@ -83,11 +17,11 @@ AisReplay::AisReplay(int port, const QByteArray &contents) : m_port(port)
         if (text.isEmpty() || text.startsWith('#')) {
             continue;
         }
-        const auto body = wrapAisLine(text, port);
-        if (body) {
-            m_bodies.append(*body);
-        } else {
+        const QByteArray body = aisFieldsOf(text).join(',');
+        if (body.isEmpty()) {
             ++m_leftOut;
+        } else {
+            m_bodies.append(body);
         }
     }
 }
@@ -129,7 +63,7 @@ std::optional<QByteArray> AisReplay::take(qint64 now)
     const qint64 passed = qBound<qint64>(0, now - m_now, longestGap);
     m_now = std::max(m_now, now);
     m_owed += static_cast<double>(passed) * m_rate / interval;
-    // What a full line had no room for isn't made up for later.
+    // What nobody asked for isn't made up for later.
     const double mostOwed = static_cast<double>(longestGap) * std::max(m_rate, 1.0) / interval;
     m_owed = std::min(m_owed, mostOwed);
     if (m_owed < 1 || m_bodies.isEmpty()) {

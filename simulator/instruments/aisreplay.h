@@ -8,15 +8,6 @@
 
 namespace tk7sim {
 
-/*!
- * Wraps \a line, a VDM, VDO or ALR sentence of any talker as it came to input port \a port (0 to
- * 11), into the body of the router's own sentence. White space around it, and a tag block between
- * two backslashes before it, are ignored. Nothing for anything else: another sentence, a field too
- * many or missing, no right checksum, a character that isn't printable ASCII, more than 82
- * characters.
- */
-std::optional<QByteArray> wrapAisLine(const QByteArray &line, int port);
-
 /*! A file of AIS sentences that an input port hears, over and over. */
 class AisReplay
 {
@@ -29,12 +20,13 @@ public:
     AisReplay(int port, const QByteArray &contents);
 
     //! Reads the file \a path; nothing, and the reason in \a error, if it isn't a regular file that
-    //! can be read, is longer than maxFileSize or holds nothing that can be wrapped.
+    //! can be read, is longer than maxFileSize or holds no AIS sentence.
     static std::optional<AisReplay> load(int port, const QString &path, QString *error);
 
     int port() const { return m_port; }
     int lineCount() const { return m_bodies.size(); }
-    //! Lines that were left out as they can't be wrapped, without empty ones and comments ('#').
+    //! Lines that were left out as they are no AIS sentences, without empty ones and comments
+    //! ('#').
     int leftOut() const { return m_leftOut; }
 
     //! Times the usual pace, above 0.

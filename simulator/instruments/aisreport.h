@@ -11,7 +11,7 @@
 
 namespace tk7sim {
 
-/*! What a report of the AIS world says. */
+/*! What a report says. */
 enum class AisReportKind {
     Position,       //!< position report of a vessel
     Voyage,         //!< its static and voyage data, in two sentences
@@ -22,7 +22,7 @@ enum class AisReportKind {
     Other           //!< a message of a type that an AIS test doesn't look at
 };
 
-/*! One report as the router hands it to the tool. Only the field that #kind names is filled. */
+/*! One report. Only the field that #kind names is filled. */
 struct AisReport
 {
     AisReportKind kind = AisReportKind::Other;
@@ -32,8 +32,9 @@ struct AisReport
     AisVoyageData voyage;
     AisAlarmState alarm;
     AisRouterPosition router;
-    //! The sentences, from '$' on, without checksum and line end. They belong together: nothing
-    //! else of the same port may come between them.
+    //! The sentences as the station says them, without checksum and line end. They belong together:
+    //! nothing else of the same port may come between them. Of RouterPosition: latitude, 'N' or
+    //! 'S', longitude, 'E' or 'W', with commas between them.
     QList<QByteArray> bodies;
 };
 

@@ -116,7 +116,7 @@ QVector<int> portsOf(const QVector<int> &asked)
 {
     QVector<int> ports;
     for (const int port : asked) {
-        if (port >= 0 && port < AisWorld::portCount && !ports.contains(port)) {
+        if (port >= 0 && port < portCount && !ports.contains(port)) {
             ports.append(port);
         }
     }
@@ -155,20 +155,14 @@ AisWorld::AisWorld(const AisWorldSettings &settings)
 
 void AisWorld::scheduleVessels()
 {
-    if (m_settings.rate <= 0) {
-        return;
-    }
-    const auto within = [this](int milliseconds) {
-        return static_cast<qint64>(random(milliseconds) / m_settings.rate);
-    };
     for (int i = 0; i < m_vessels.size(); ++i) {
-        schedule(Activity::VesselPosition, i, within(firstPositionWithin));
+        schedule(Activity::VesselPosition, i, random(firstPositionWithin));
         if (m_vessels.at(i).flaw != TransponderFlaw::NoVoyageData) {
-            schedule(Activity::VesselVoyage, i, within(firstVoyageWithin));
+            schedule(Activity::VesselVoyage, i, random(firstVoyageWithin));
         }
     }
     for (int i = 0; i < m_others.size(); ++i) {
-        schedule(Activity::OtherStation, i, within(m_others.at(i).period));
+        schedule(Activity::OtherStation, i, random(m_others.at(i).period));
     }
 }
 
@@ -197,7 +191,9 @@ void AisWorld::schedule(Activity activity, int index, qint64 due)
 
 std::optional<AisReport> AisWorld::take(qint64 now)
 {
-    m_dueUpTo += qBound<qint64>(0, now - m_now, longestGap);
+    const auto passed = qBound<qint64>(0, now - m_now, longestGap);
+    m_ownDueUpTo += passed;
+    m_dueUpTo += static_cast<double>(passed) * m_settings.rate;
     m_now = std::max(m_now, now);
     while (m_waiting.isEmpty()) {
         const auto event = nextEvent();
@@ -210,20 +206,33 @@ std::optional<AisReport> AisWorld::take(qint64 now)
     }
     AisReport report = m_waiting.dequeue();
     report.time = m_now;
-    record(report);
+    m_truth.record(report);
     return report;
 }
 
 std::optional<AisWorld::Event> AisWorld::nextEvent()
 {
-    for (Schedule *schedule : {&m_ownSchedule, &m_schedule}) {
-        if (!schedule->empty() && schedule->top().due <= m_dueUpTo) {
-            const Event event = schedule->top();
-            schedule->pop();
-            return event;
+    const auto takeFrom = [](Schedule *schedule, double dueUpTo) -> std::optional<Event> {
+        if (schedule->empty() || static_cast<double>(schedule->top().due) > dueUpTo) {
+            return std::nullopt;
         }
+        const Event event = schedule->top();
+        schedule->pop();
+        return event;
+    };
+    if (const auto own = takeFrom(&m_ownSchedule, static_cast<double>(m_ownDueUpTo))) {
+        return own;
     }
-    return std::nullopt;
+    return m_settings.rate > 0 ? takeFrom(&m_schedule, m_dueUpTo) : std::nullopt;
+}
+
+// What a line that was too full has held up is forgotten: it belongs to the old rate.
+void AisWorld::setRate(double rate)
+{
+    m_settings.rate = std::max(rate, 0.0);
+    if (!m_schedule.empty()) {
+        m_dueUpTo = std::min(m_dueUpTo, static_cast<double>(m_schedule.top().due));
+    }
 }
 
 // Not quite steady, as stations choose their slots.
@@ -233,9 +242,7 @@ qint64 AisWorld::intervalOf(const Event &event)
     constexpr double least = 90;
     constexpr double all = 100;
     const auto scaled = [this](qint64 usual) {
-        const double part = (least + random(spread)) / all;
-        const double interval = static_cast<double>(usual) * part / m_settings.rate;
-        return std::max<qint64>(std::llround(interval), 1);
+        return std::llround(static_cast<double>(usual) * (least + random(spread)) / all);
     };
     switch (event.activity) {
     case Activity::VesselPosition: {
@@ -294,7 +301,7 @@ void AisWorld::reportVessel(FleetVessel &vessel, qint64 now)
     report.position = positionOf(vessel, now);
     for (const int station : qAsConst(vessel.stations)) {
         report.port = m_ports.at(station);
-        enqueue(report, "$VRAIM", encoded(report.position));
+        enqueue(report, "!AIVDM", encoded(report.position));
     }
 }
 
@@ -391,7 +398,7 @@ void AisWorld::reportVoyage(FleetVessel &vessel, qint64 now)
     report.voyage = vessel.voyage;
     for (const int station : qAsConst(vessel.stations)) {
         report.port = m_ports.at(station);
-        enqueue(report, "$VRAIM", encoded(report.voyage));
+        enqueue(report, "!AIVDM", encoded(report.voyage));
     }
 }
 
@@ -407,7 +414,7 @@ void AisWorld::reportOther(int index, qint64 now)
     AisReport report;
     report.kind = AisReportKind::Other;
     report.port = m_ports.at(station.station);
-    enqueue(report, "$VRAIM", messageOf(station, timeAt(now)));
+    enqueue(report, "!AIVDM", messageOf(station, timeAt(now)));
 }
 
 void AisWorld::reportOwnPosition(int station, qint64 now)
@@ -429,7 +436,7 @@ void AisWorld::reportOwnPosition(int station, qint64 now)
     }
     report.position.rateOfTurn = rawTurn(ship.rateOfTurn);
     report.position.heading = static_cast<int>(ship.heading);
-    enqueue(report, "$VRAIO", encoded(report.position));
+    enqueue(report, "!AIVDO", encoded(report.position));
 }
 
 void AisWorld::reportOwnVoyage(int station, qint64 now)
@@ -441,7 +448,7 @@ void AisWorld::reportOwnVoyage(int station, qint64 now)
     report.kind = AisReportKind::OwnVoyage;
     report.port = m_ports.at(station);
     report.voyage = voyageDataOf(ownVessel());
-    enqueue(report, "$VRAIO", encoded(report.voyage));
+    enqueue(report, "!AIVDO", encoded(report.voyage));
 }
 
 void AisWorld::reportRouterPosition(qint64 now)
@@ -456,7 +463,7 @@ void AisWorld::reportRouterPosition(qint64 now)
     AisReport report;
     report.kind = AisReportKind::RouterPosition;
     report.router = {units(fix.latitude), units(fix.longitude)};
-    report.bodies = {"$VRAIP," + arc(report.router.latitude, latitudeDigits, 'N', 'S') + ','
+    report.bodies = {arc(report.router.latitude, latitudeDigits, 'N', 'S') + ','
                      + arc(report.router.longitude, longitudeDigits, 'E', 'W')};
     m_waiting.enqueue(report);
 }
@@ -470,7 +477,7 @@ void AisWorld::reportAlarm(int index, qint64 now)
         return;
     }
     const int port = m_ports.at(cycle.station);
-    const auto &known = m_truth[static_cast<size_t>(port)].alarms;
+    const auto &known = m_truth.port(port).alarms;
     if (known.contains(state->id) && known.value(state->id) == *state
         && now % alarmRepeat >= alarmInterval) {
         return;
@@ -484,60 +491,23 @@ void AisWorld::reportAlarm(int index, qint64 now)
     report.kind = AisReportKind::Alarm;
     report.port = port;
     report.alarm = *state;
-    report.bodies = {"$VRAIA," + QByteArray::number(port, 16).toUpper() + ','
-                     + padded(state->hour, 2) + padded(state->minute, 2) + padded(state->second, 2)
-                     + ".00," + padded(state->id, idDigits) + ',' + letter(state->isActive) + ','
-                     + letter(state->isAcknowledged) + ',' + state->text};
+    report.bodies = {"$AIALR," + padded(state->hour, 2) + padded(state->minute, 2)
+                     + padded(state->second, 2) + ".00," + padded(state->id, idDigits) + ','
+                     + letter(state->isActive) + ',' + letter(state->isAcknowledged) + ','
+                     + state->text};
     m_waiting.enqueue(report);
 }
 
+// The two radio channels in turns.
 void AisWorld::enqueue(AisReport report, const QByteArray &head, const AisEncoder &message)
 {
-    int &sequence = m_sequences[static_cast<size_t>(report.port)];
-    report.bodies =
-        aisBodies(head, sequence, QByteArray::number(report.port, 16).toUpper(), message);
+    Receiver &receiver = m_receivers[static_cast<size_t>(report.port)];
+    report.bodies = aisBodies(head, receiver.sequence, receiver.isOnChannelB ? "B" : "A", message);
+    receiver.isOnChannelB = !receiver.isOnChannelB;
     if (report.bodies.size() > 1) {
-        sequence = (sequence + 1) % sequenceCount;
+        receiver.sequence = (receiver.sequence + 1) % sequenceCount;
     }
     m_waiting.enqueue(report);
-}
-
-void AisWorld::record(const AisReport &report)
-{
-    ++m_reports;
-    if (report.kind == AisReportKind::RouterPosition) {
-        m_routerPosition = report.router;
-        return;
-    }
-    AisPortTruth &port = m_truth[static_cast<size_t>(report.port)];
-    const auto setPosition = [&](AisStationTruth *station) {
-        station->position = report.position;
-        station->positionTime = report.time;
-    };
-    const auto setVoyage = [&](AisStationTruth *station) {
-        station->voyage = report.voyage;
-        station->voyageTime = report.time;
-    };
-    switch (report.kind) {
-    case AisReportKind::Position:
-        ++port.messages;
-        return setPosition(&port.stations[report.position.mmsi]);
-    case AisReportKind::Voyage:
-        ++port.messages;
-        return setVoyage(&port.stations[report.voyage.mmsi]);
-    case AisReportKind::OwnPosition:
-        ++port.ownMessages;
-        return setPosition(&port.ownShip);
-    case AisReportKind::OwnVoyage:
-        ++port.ownMessages;
-        return setVoyage(&port.ownShip);
-    case AisReportKind::Alarm:
-        port.alarms.insert(report.alarm.id, report.alarm);
-        return;
-    case AisReportKind::RouterPosition:
-    case AisReportKind::Other:
-        return;
-    }
 }
 
 } // namespace tk7sim

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "simulator/instruments/aisfleet.h"
-#include "simulator/instruments/aisreport.h"
+#include "simulator/instruments/aistruth.h"
 #include "simulator/instruments/alarmcycle.h"
 #include "simulator/instruments/otherstations.h"
 
@@ -53,7 +53,7 @@ public:
     //! Milliseconds between two calls of take() that are made up for. What falls due in a longer
     //! gap beyond that comes later.
     static constexpr qint64 longestGap = 1000;
-    static constexpr int portCount = 12;
+    static constexpr int portCount = tk7sim::portCount;
 
     explicit AisWorld(const AisWorldSettings &settings);
 
@@ -64,6 +64,9 @@ public:
      */
     std::optional<AisReport> take(qint64 now);
 
+    //! Times the usual number of reports from now on, of all but the own ship; 0: none.
+    void setRate(double rate);
+
     const AisWorldSettings &settings() const { return m_settings; }
     //! The input ports with AIS traffic.
     const QVector<int> &ports() const { return m_ports; }
@@ -71,10 +74,13 @@ public:
     // The truth: what the reports taken so far have said.
 
     //! What \a port, 0 to 11, has heard.
-    const AisPortTruth &truth(int port) const { return m_truth[static_cast<size_t>(port)]; }
+    const AisPortTruth &truth(int port) const { return m_truth.port(port); }
     //! What the router's own receiver has said last.
-    const std::optional<AisRouterPosition> &routerPosition() const { return m_routerPosition; }
-    quint64 reports() const { return m_reports; }
+    const std::optional<AisRouterPosition> &routerPosition() const
+    {
+        return m_truth.routerPosition();
+    }
+    quint64 reports() const { return m_truth.reports(); }
 
 private:
     enum class Activity {
@@ -99,6 +105,11 @@ private:
             return std::tie(due, order) > std::tie(other.due, other.order);
         }
     };
+    struct Receiver
+    {
+        int sequence = 0; // of the messages in several sentences
+        bool isOnChannelB = false;
+    };
     using Schedule = std::priority_queue<Event, std::vector<Event>, std::greater<>>;
 
     void scheduleVessels();
@@ -121,7 +132,6 @@ private:
     void reportAlarm(int index, qint64 now);
 
     void enqueue(AisReport report, const QByteArray &head, const AisEncoder &message);
-    void record(const AisReport &report);
     QDateTime timeAt(qint64 now) const { return m_settings.start.addMSecs(now); }
     //! 0 to \a count less one.
     int random(int count) { return static_cast<int>(m_random() % static_cast<quint32>(count)); }
@@ -136,12 +146,11 @@ private:
     Schedule m_schedule;
     quint64 m_scheduled = 0;
     qint64 m_now = 0;
-    qint64 m_dueUpTo = 0; // the time in which the schedules run
+    qint64 m_ownDueUpTo = 0; // the time in which the own ship's schedule runs
+    double m_dueUpTo = 0;    // the others' time, quicker or slower by the rate
     QQueue<AisReport> m_waiting;
-    std::array<int, portCount> m_sequences{}; // of the messages in several sentences
-    std::array<AisPortTruth, portCount> m_truth;
-    std::optional<AisRouterPosition> m_routerPosition;
-    quint64 m_reports = 0;
+    std::array<Receiver, portCount> m_receivers;
+    AisTruth m_truth;
 };
 
 } // namespace tk7sim

@@ -1,7 +1,5 @@
 #include "simulator/instruments/neighbours.h"
 
-#include "simulator/instruments/aisencoder.h"
-
 #include <cmath>
 
 namespace tk7sim {
@@ -75,17 +73,6 @@ AisVoyageData voyageDataOf(const AisVessel &vessel)
     data.draught = 62;
     data.destination = vessel.destination;
     return data;
-}
-
-QByteArray aisPositionReport(const AisVessel &vessel, double seconds, int utcSecond, char channel)
-{
-    const AisEncoder message = encoded(positionReportOf(vessel, seconds, utcSecond));
-    return aisBodies("!AIVDM", 0, QByteArray(1, channel), message).constFirst();
-}
-
-QList<QByteArray> aisVoyageData(const AisVessel &vessel, int sequence, char channel)
-{
-    return aisBodies("!AIVDM", sequence, QByteArray(1, channel), encoded(voyageDataOf(vessel)));
 }
 
 } // namespace tk7sim

@@ -3,9 +3,6 @@
 #include "simulator/instruments/aismessages.h"
 #include "simulator/instruments/ship.h"
 
-#include <QByteArray>
-#include <QList>
-
 #include <array>
 
 namespace tk7sim {
@@ -24,16 +21,11 @@ struct AisVessel
 
 /*! The simulated ship itself. */
 const AisVessel &ownVessel();
-/*! The ships near by: those of the usual traffic, and the first of the AIS test. */
+/*! The ships near by, which the radar plots; the first of the fleet. */
 const std::array<AisVessel, 8> &neighbours();
 
 /*! What \a vessel reports \a seconds after the start, as type 1. */
 AisPositionReport positionReportOf(const AisVessel &vessel, double seconds, int utcSecond);
 AisVoyageData voyageDataOf(const AisVessel &vessel);
-
-/*! The body of a VDM sentence with the position report of \a vessel. */
-QByteArray aisPositionReport(const AisVessel &vessel, double seconds, int utcSecond, char channel);
-/*! The bodies of the two VDM sentences with the voyage data of \a vessel. */
-QList<QByteArray> aisVoyageData(const AisVessel &vessel, int sequence, char channel);
 
 } // namespace tk7sim

@@ -19,7 +19,6 @@ constexpr double feetPerMetre = 3.28084;
 constexpr double fathomsPerMetre = 0.546807;
 constexpr double kilometresPerMile = 1.852;
 constexpr double secondGpsOffset = 0.00002; // degrees between the two antennas
-constexpr int aisSlots = 60;                // reports in a round of the AIS receiver
 
 QByteArray number(double value, int decimals)
 {
@@ -172,31 +171,6 @@ Bodies xdr(const Moment &m)
             + number(ship.pressure, pressureDecimals) + ",B,BARO"};
 }
 
-char aisChannel(qint64 count)
-{
-    return count % 2 == 0 ? 'A' : 'B';
-}
-
-// The vessels report one after the other; once in a round each sends its voyage data instead.
-Bodies vdm(const Moment &m)
-{
-    constexpr int sequences = 10;
-    const auto fleet = static_cast<qint64>(neighbours().size());
-    const auto index = m.count % fleet;
-    const AisVessel &vessel = neighbours()[static_cast<size_t>(index)];
-    if (m.count % aisSlots < fleet) {
-        return aisVoyageData(vessel, static_cast<int>(index % sequences), aisChannel(m.count));
-    }
-    return {aisPositionReport(vessel, m.seconds, m.utc.time().second(), aisChannel(m.count))};
-}
-
-Bodies vdo(const Moment &m)
-{
-    QByteArray body =
-        aisPositionReport(ownVessel(), m.seconds, m.utc.time().second(), aisChannel(0));
-    return {body.replace("VDM", "VDO")};
-}
-
 // The radar plots the nearest of the ships that the AIS reports.
 Bodies ttm(const Moment &m)
 {
@@ -256,7 +230,7 @@ const QVector<ScheduledSentence> &equipmentAt(int port)
         gps<First>(),
         gps<Second>(),
         Equipment{{200, 0, hdt}, {400, 100, rot}},                     // gyro
-        Equipment{{250, 0, vdm}, {2000, 120, vdo}},                    // AIS
+        Equipment{},                                                   // AIS: see AisStations
         Equipment{{1000, 0, dbt}, {1000, 500, dpt}},                   // echo sounder
         Equipment{{1000, 0, vbw}, {1000, 500, vhw}},                   // speed log
         Equipment{{500, 0, mwv}},                                      // wind sensor

@@ -24,7 +24,10 @@ struct ScheduledSentence
     QList<QByteArray> (*build)(const Moment &moment);
 };
 
-/*! What the instrument wired to input port \a port makes; empty where nothing is wired. */
+/*!
+ * What the instrument wired to input port \a port makes; empty where nothing is wired, or only an
+ * AIS station.
+ */
 const QVector<ScheduledSentence> &equipmentAt(int port);
 
 } // namespace tk7sim

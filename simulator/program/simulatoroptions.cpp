@@ -40,22 +40,21 @@ void addOptions(QCommandLineParser *parser)
         "ports. An empty name publishes nothing.",
         "NAME", "tk7-sim");
     add("speed",
-        "Speed of the line before a tool is found: 2400, 4800, 9600, 19200, 38400, 57600 "
+        "Speed of the line before a tool is found, whatever speed its port has in the rules: 2400, 4800, 9600, 19200, 38400, 57600 "
         "or 115200.",
         "BAUD", "4800");
     add("port", "Number of the port to which the tool is wired, 0 to 11.", "PORT", "0");
-    add("firmware", "Firmware version that the router reports.", "MAJOR.MINOR", "3.5");
+    add("firmware", "Firmware version that the router reports; it can do the same with any.", "MAJOR.MINOR", "3.5");
     add("mode", "Mode that the router reports; letters and digits.", "TEXT", "NORMAL");
     add("bank", "Flash bank that the router reports.", "BANK", "0");
     add("eeprom", "Keep the EEPROM in this file from one run to the next.", "FILE", "");
     add("rate",
-        "So many times the usual number of lines of the port under view and of the vessels of an "
-        "AIS test, 0 to 1000.",
+        "So many times the usual number of lines of every instrument, 0 to 1000.",
         "N", "1");
-    add("vessels", "Number of vessels around the ship in an AIS test, 0 to 20000.", "N", "40");
+    add("vessels", "Number of vessels around the ship that the AIS stations hear, 0 to 20000.", "N", "40");
     add("ais-replay",
-        "In an AIS test, let this input port (0 to 11) hear the VDM, VDO and ALR sentences of a "
-        "file, over and over. May be given several times, for other ports.",
+        "Let this input port (0 to 11) hear the VDM, VDO and ALR sentences of a file, over and "
+        "over. May be given several times, for other ports.",
         "PORT:FILE", "");
     add("silence",
         "Seconds without a word from the tool after which it is taken to have gone; 0: "

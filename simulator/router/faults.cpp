@@ -22,6 +22,8 @@ const QVector<FaultInfo> &faultTable()
         {Fault::Busy, "busy", nullptr, 0, 0, "says that another control program holds it"},
         {Fault::SilentAfter, "silent-after", "SECONDS", 5, oneDay,
          "falls silent that long after a connection, for good"},
+        {Fault::BusyAfter, "busy-after", "SECONDS", 5, oneDay,
+         "another control program takes it over that long after a connection"},
         {Fault::NoSecondAnswer, "no-second-answer", nullptr, 0, 0,
          "answers at its start speed, but not at 115200 baud"},
         {Fault::WrongChecksums, "wrong-checksums", nullptr, 0, 0,

@@ -12,6 +12,7 @@ enum class Fault {
     Silent,         //!< does nothing and says nothing
     Busy,           //!< held by another control program: answers a query for a connection by "busy"
     SilentAfter,    //!< falls silent; value: seconds after a connection
+    BusyAfter,      //!< another program takes it over; value: seconds after a connection
     NoSecondAnswer, //!< doesn't answer at 115200 baud
     WrongChecksums, //!< every checksum that it sends is wrong
     Noise,     //!< random bytes between and in the midst of sentences; value: per cent of them hit

@@ -12,8 +12,9 @@ constexpr qint64 step = 5; // milliseconds
 
 } // namespace
 
-MonitorFeed::MonitorFeed(const RouterClock *clock, const RouterConfig *config, QObject *parent)
-    : QObject(parent), m_clock(clock), m_config(config), m_generator(clock->start()), m_timer(this)
+MonitorFeed::MonitorFeed(const RouterClock *clock, const RouterConfig *config,
+                         TrafficGenerator *traffic, QObject *parent)
+    : QObject(parent), m_clock(clock), m_config(config), m_traffic(traffic), m_timer(this)
 {
     m_timer.setInterval(interval);
     connect(&m_timer, &QTimer::timeout, this, &MonitorFeed::slotTick);
@@ -22,13 +23,7 @@ MonitorFeed::MonitorFeed(const RouterClock *clock, const RouterConfig *config, Q
 void MonitorFeed::setView(int viewCode)
 {
     m_view = viewCode;
-    startOrStop();
-}
-
-void MonitorFeed::setRate(double rate)
-{
-    m_generator.setRate(rate);
-    startOrStop();
+    restart();
 }
 
 QByteArray MonitorFeed::takeLine()
@@ -44,11 +39,11 @@ void MonitorFeed::clear()
     m_waitingBytes = 0;
 }
 
-void MonitorFeed::startOrStop()
+void MonitorFeed::restart()
 {
     clear();
     m_shownUpTo = m_clock->now();
-    if (m_view == viewNothing || m_generator.rate() <= 0) {
+    if (m_view == viewNothing || m_traffic->rate() <= 0) {
         m_timer.stop();
     } else if (!m_timer.isActive()) {
         m_timer.start();
@@ -72,7 +67,7 @@ void MonitorFeed::slotTick()
 
 void MonitorFeed::collect(qint64 from, qint64 to)
 {
-    const auto lines = m_generator.viewTraffic(m_view, *m_config, from, to);
+    const auto lines = m_traffic->viewTraffic(m_view, *m_config, from, to);
     for (const TrafficLine &line : lines) {
         const QByteArray text = line.flaw == LineFlaw::Broken ? line.text : line.text + "\r\n";
         if (m_waitingBytes + text.size() > maxWaiting) {

@@ -26,17 +26,16 @@ public:
     //! left out.
     static constexpr int maxWaiting = 2304;
 
-    //! \a clock and \a config are read at every look, and outlive the feed.
-    explicit MonitorFeed(const RouterClock *clock, const RouterConfig *config,
-                         QObject *parent = nullptr);
+    //! All three are read at every look, and outlive the feed.
+    MonitorFeed(const RouterClock *clock, const RouterConfig *config, TrafficGenerator *traffic,
+                QObject *parent = nullptr);
 
     int view() const { return m_view; }
     //! Shows \a viewCode from now on, and forgets what waits; viewNothing stops.
     void setView(int viewCode);
-    void setRate(double rate);
-    void setConditions(const InputConditions &conditions) { m_generator.setConditions(conditions); }
-
-    const TrafficGenerator &generator() const { return m_generator; }
+    //! Forgets what waits, and looks anew whether there is anything to show: the rate of the
+    //! traffic has changed.
+    void restart();
 
     bool hasLine() const { return !m_waiting.isEmpty(); }
     //! The oldest line that waits, with its CR LF unless it has lost it on the way to the router.
@@ -51,11 +50,10 @@ signals:
 private:
     void slotTick();
     void collect(qint64 from, qint64 to);
-    void startOrStop();
 
     const RouterClock *m_clock;
     const RouterConfig *m_config;
-    TrafficGenerator m_generator;
+    TrafficGenerator *m_traffic;
     qint64 m_shownUpTo = 0;
     int m_view = viewNothing;
     QQueue<QByteArray> m_waiting;

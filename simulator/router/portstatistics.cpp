@@ -33,15 +33,10 @@ void count(LineFlaw flaw, PortCounters *counters)
 
 } // namespace
 
-PortStatistics::PortStatistics(const RouterClock *clock, const RouterConfig &config)
-    : m_clock(clock), m_generator(clock->start()), m_config(config)
+PortStatistics::PortStatistics(const RouterClock *clock, const RouterConfig &config,
+                               TrafficGenerator *traffic)
+    : m_clock(clock), m_traffic(traffic), m_config(config)
 {
-}
-
-void PortStatistics::setConditions(const InputConditions &conditions)
-{
-    settle();
-    m_generator.setConditions(conditions);
 }
 
 void PortStatistics::setConfig(const RouterConfig &config)
@@ -91,11 +86,11 @@ void PortStatistics::settle()
 
 void PortStatistics::countInput(int port, qint64 from, qint64 to)
 {
-    const InputConditions &conditions = m_generator.conditions();
+    const InputConditions &conditions = m_traffic->conditions();
     if (conditions.wrongChecksums <= 0 && conditions.damage <= 0) {
         return; // nothing to count
     }
-    const auto lines = m_generator.inputTraffic(port, from, to);
+    const auto lines = m_traffic->inputTraffic(port, from, to);
     for (const TrafficLine &line : lines) {
         count(line.flaw, &m_ports[static_cast<size_t>(port)].counters);
     }
@@ -109,7 +104,7 @@ void PortStatistics::countOutput(int port, qint64 from, qint64 to)
     Port &output = m_ports[index];
     const double bytesPerMillisecond =
         m_config.speeds[index] / (bitsPerByte * millisecondsPerSecond);
-    const auto lines = m_generator.outputTraffic(port, m_config, from, to);
+    const auto lines = m_traffic->outputTraffic(port, m_config, from, to);
     for (const TrafficLine &line : lines) {
         const double sent = static_cast<double>(line.time - output.filledAt) * bytesPerMillisecond;
         output.waiting = std::max(output.waiting - sent, 0.0);

@@ -10,7 +10,7 @@
 namespace tk7sim {
 
 /*!
- * Counts what goes wrong at the ports, at the usual rate of the traffic.
+ * Counts what goes wrong at the ports.
  *
  * It counts when it is asked, everything since it was asked last, or since longestGap before.
  */
@@ -20,11 +20,10 @@ public:
     static constexpr qint64 longestGap = 120000; //!< milliseconds
     static constexpr int outputBuffer = 1024;    //!< bytes that may wait for an output's line
 
-    //! \a clock outlives the statistics.
-    PortStatistics(const RouterClock *clock, const RouterConfig &config);
+    //! \a clock and \a traffic outlive the statistics. Whoever changes the traffic calls settle()
+    //! before.
+    PortStatistics(const RouterClock *clock, const RouterConfig &config, TrafficGenerator *traffic);
 
-    //! From now on the inputs are heard like this.
-    void setConditions(const InputConditions &conditions);
     //! From now on the traffic goes these ways.
     void setConfig(const RouterConfig &config);
 
@@ -49,7 +48,7 @@ private:
     void countOutput(int port, qint64 from, qint64 to);
 
     const RouterClock *m_clock;
-    TrafficGenerator m_generator;
+    TrafficGenerator *m_traffic;
     RouterConfig m_config;
     std::array<Port, portCount> m_ports;
     qint64 m_countedUpTo = 0;

@@ -13,7 +13,13 @@ public:
 
     //! The time of day at time 0.
     QDateTime start() const { return m_start; }
-    qint64 now() const { return m_clock.elapsed() + m_skipped; }
+    qint64 now() const { return (m_clock.isValid() ? m_clock.elapsed() : 0) + m_skipped; }
+    //! From now on no time passes but by skip().
+    void hold()
+    {
+        m_skipped = now();
+        m_clock.invalidate();
+    }
     //! Lets \a milliseconds pass at once.
     void skip(qint64 milliseconds) { m_skipped += milliseconds; }
 

@@ -233,11 +233,6 @@ bool RouterConfig::operator==(const RouterConfig &other) const
         && outputNames == other.outputNames && filterList == other.filterList;
 }
 
-bool isPort(int number)
-{
-    return number >= 0 && number < portCount;
-}
-
 bool isViewCode(int code)
 {
     if (code < 0 || code > viewNothing) {

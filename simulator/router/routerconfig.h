@@ -1,5 +1,7 @@
 #pragma once
 
+#include "simulator/instruments/ports.h"
+
 #include <QByteArray>
 #include <QVector>
 
@@ -7,7 +9,6 @@
 
 namespace tk7sim {
 
-constexpr int portCount = 12;       //!< input ports, and output ports, numbered 0 to 11
 constexpr int channelCount = 12;    //!< channels of an output port, numbered 0 to 11
 constexpr int filterSlotCount = 32; //!< places in the list of sentence names
 constexpr int noPort = 15;          //!< in a channel's inputs: no port
@@ -81,8 +82,6 @@ struct RouterConfig
     bool operator!=(const RouterConfig &other) const { return !(*this == other); }
 };
 
-/*! True for a port number, 0 to 11. */
-bool isPort(int number);
 /*! True for a byte that names something to look at: nothing, a port, or a channel. */
 bool isViewCode(int code);
 

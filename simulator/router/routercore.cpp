@@ -15,13 +15,6 @@ constexpr int defaultSaveDuration = 300;   // milliseconds
 
 } // namespace
 
-QByteArray RouterStatus::defaultChipId()
-{
-    QByteArray id = "TK-7 SIMUNIT0001";
-    std::reverse(id.begin(), id.end());
-    return id;
-}
-
 // What the router understands once a tool is connected. Before that it only knows the query for a
 // connection.
 const RouterCore::Handler RouterCore::handlers[] = {
@@ -106,8 +99,9 @@ void RouterCore::dispatch(const Sentence &sentence)
         std::find_if(std::begin(handlers), std::end(handlers), [&](const Handler &h) {
             return sentence.code == h.code && sentence.form == h.form;
         });
-    const bool isKnown = handler != std::end(handlers)
-        && (m_connected || handler->function == &RouterCore::handleQuery);
+    const bool isHeard = m_connected && !m_isGivenAway;
+    const bool isKnown =
+        handler != std::end(handlers) && (isHeard || handler->function == &RouterCore::handleQuery);
     if (!isKnown) {
         ++m_complaints.unknownSentences;
         return;
@@ -121,10 +115,21 @@ void RouterCore::moveTo(int baud)
     if (silenceLimit() > 0) {
         m_silenceTimer.start();
     }
-    if (m_isAnswering) {
+    if (m_isGivenAway) {
+        endConnection();
+    } else if (m_isAnswering) {
         m_isAnswering = false;
         ++m_handshakes;
         setConnected(true);
+    }
+}
+
+void RouterCore::giveAway()
+{
+    m_isGivenAway = true;
+    if (m_connected) {
+        const int nextSpeed = m_returnsToStartSpeed ? m_startSpeed : m_speed;
+        emit answered({"$VRCNB", SentenceForm::Bare, false, nextSpeed});
     }
 }
 
@@ -205,7 +210,7 @@ bool RouterCore::setEepromFile(const EepromFile &file)
 // Any speed gets an answer; only the answer at 115200 baud makes a connection.
 void RouterCore::handleQuery(const Sentence & /*sentence*/)
 {
-    if (m_faults->has(Fault::Busy)) {
+    if (m_faults->has(Fault::Busy) || m_isGivenAway) {
         say("$VRCNB", SentenceForm::Bare);
         return;
     }
@@ -221,7 +226,7 @@ void RouterCore::handleQuery(const Sentence & /*sentence*/)
 // would say to it that a password was wrong.
 void RouterCore::handleWatch(const Sentence & /*sentence*/)
 {
-    say(errorBody());
+    say(m_status.errorBody());
 }
 
 void RouterCore::handleDisconnect(const Sentence & /*sentence*/)
@@ -237,7 +242,7 @@ void RouterCore::handleDownload(const Sentence & /*sentence*/)
     }
     sayBulk(viewBody(), SentenceForm::Plain);
     sayBulk("$VRMOD," + m_status.mode);
-    sayBulk(errorBody());
+    sayBulk(m_status.errorBody());
     sayBulk("$VRFBK," + QByteArray::number(m_status.flashBank));
     sayBulk(lockBody());
     sayBulk("$VRWBL", SentenceForm::Bare);
@@ -245,8 +250,7 @@ void RouterCore::handleDownload(const Sentence & /*sentence*/)
 
 void RouterCore::handleVersion(const Sentence & /*sentence*/)
 {
-    say("$VRVER," + QByteArray::number(m_status.versionMajor) + '.'
-        + QByteArray::number(m_status.versionMinor));
+    say("$VRVER," + m_status.version());
 }
 
 void RouterCore::handleConfig(const Sentence &sentence)
@@ -325,156 +329,6 @@ bool RouterCore::store(const RouterConfig &config, const QByteArray &password)
     return ok;
 }
 
-void RouterCore::handleChipId(const Sentence & /*sentence*/)
-{
-    say("$VRSER," + m_status.chipId.toHex().toUpper());
-}
-
-void RouterCore::handleStatistics(const Sentence &sentence)
-{
-    const auto port = sentence.fields.size() == 1
-        ? parseDecimal(sentence.fields.constFirst(), portCount - 1)
-        : std::nullopt;
-    if (!port) {
-        refuse();
-        return;
-    }
-    const PortCounters c = m_statistics ? m_statistics->at(*port) : PortCounters();
-    QByteArray body = "$VRSTA," + QByteArray::number(*port);
-    for (const quint32 number : {c.print, c.crs, c.broken, c.size, c.txFull}) {
-        body += ',' + QByteArray::number(number);
-    }
-    say(body);
-}
-
-void RouterCore::handleClearStatistics(const Sentence & /*sentence*/)
-{
-    if (m_statistics) {
-        m_statistics->clear();
-    }
-}
-
-void RouterCore::handleAisTest(const Sentence &sentence)
-{
-    const QByteArray field = sentence.fields.join(',');
-    if (field != "ON" && field != "OFF") {
-        refuse();
-        return;
-    }
-    setAisTest(field == "ON");
-}
-
-void RouterCore::handleMode(const Sentence &sentence)
-{
-    const QByteArray text = sentence.fields.join(',');
-    if (!allows(LockStore::modeLevel) || text.isEmpty() || text.size() > maxModeLength
-        || !isAlphanumeric(text)) {
-        refuse();
-        return;
-    }
-    m_status.mode = text;
-    say("$VRMOD," + text);
-    emit modeChanged(text);
-}
-
-void RouterCore::handleSetPassword(const Sentence &sentence)
-{
-    LockStore next = m_lock;
-    const bool ok = !m_faults->has(Fault::Locked) && next.setPassword(sentence.fields.join(','))
-        && store(m_eeprom, next.password());
-    say(ok ? "$VRPWS,OK" : "$VRPWS,ERROR");
-    if (!ok) {
-        return; // a lock status would speak of a wrong password
-    }
-    m_lock = next;
-    sayLock();
-}
-
-void RouterCore::handleUnlock(const Sentence &sentence)
-{
-    if (!m_faults->has(Fault::Locked)) {
-        m_lock.unlock(sentence.fields.join(','));
-    }
-    sayLock();
-}
-
-void RouterCore::handleRemovePassword(const Sentence & /*sentence*/)
-{
-    LockStore next = m_lock;
-    if (m_faults->has(Fault::Locked) || !next.remove() || !store(m_eeprom, QByteArray())) {
-        refuse();
-        return;
-    }
-    m_lock = next;
-    sayLock();
-}
-
-void RouterCore::handleViewPassword(const Sentence & /*sentence*/)
-{
-    if (!allows(LockStore::viewLevel)) {
-        refuse();
-        return;
-    }
-    say("$VRPWV," + m_lock.password());
-}
-
-void RouterCore::handleLock(const Sentence & /*sentence*/)
-{
-    if (m_faults->has(Fault::Locked) || !m_lock.lock()) {
-        refuse();
-        return;
-    }
-    sayLock();
-}
-
-void RouterCore::handleFirmwareStart(const Sentence & /*sentence*/)
-{
-    m_firmware.start();
-}
-
-void RouterCore::handleFirmwarePacket(const Sentence &sentence)
-{
-    m_firmware.takePacket(sentence);
-}
-
-void RouterCore::handleFirmwareEnd(const Sentence & /*sentence*/)
-{
-    m_firmware.finish();
-}
-
-// The flash memory has two banks, of which the firmware in use fills one; the new one went to the
-// other.
-void RouterCore::handleFirmwareUse(const Sentence & /*sentence*/)
-{
-    const auto header = m_firmware.wholeHeader();
-    if (!m_firmware.apply() || !header) {
-        refuse();
-        return;
-    }
-    m_status.versionMajor = header->versionMajor;
-    m_status.versionMinor = header->versionMinor;
-    if (!header->mode.isEmpty()) {
-        m_status.mode = header->mode;
-    }
-    m_status.flashBank = m_status.flashBank == 0 ? 1 : 0;
-    restart();
-    m_rebootTimer.start();
-    emit rebooting();
-}
-
-void RouterCore::slotRebootDone()
-{
-    emit rebooted();
-}
-
-void RouterCore::setAisTest(bool on)
-{
-    if (on != m_isAisTestOn) {
-        m_isAisTestOn = on;
-        emit aisTestChanged(on);
-    }
-}
-
 void RouterCore::setConnected(bool connected)
 {
     if (connected == m_connected) {
@@ -493,22 +347,6 @@ void RouterCore::setView(int viewCode)
     emit viewChanged(m_view);
 }
 
-bool RouterCore::isLocked() const
-{
-    return m_faults->has(Fault::Locked) || m_lock.isLocked();
-}
-
-bool RouterCore::allows(int level) const
-{
-    return !m_faults->has(Fault::Locked) && m_lock.allows(level);
-}
-
-void RouterCore::sayLock()
-{
-    say(lockBody());
-    emit lockChanged();
-}
-
 void RouterCore::say(const QByteArray &body, SentenceForm form)
 {
     emit answered({body, form, false, 0});
@@ -522,23 +360,6 @@ void RouterCore::sayBulk(const QByteArray &body, SentenceForm form)
 QByteArray RouterCore::viewBody() const
 {
     return "$VRVVW," + QByteArray::number(m_view);
-}
-
-QByteArray RouterCore::errorBody() const
-{
-    constexpr int codeDigits = 4;
-    constexpr int faultDigits = 2;
-    return "$VRERR," + hex(m_status.errorCode, codeDigits) + ','
-        + hex(m_status.errorFault, faultDigits);
-}
-
-QByteArray RouterCore::lockBody() const
-{
-    if (m_faults->has(Fault::Locked)) {
-        return "$VRLCK,1,0";
-    }
-    return QByteArray("$VRLCK,") + (m_lock.isEnabled() ? '1' : '0') + ','
-        + QByteArray::number(m_lock.level());
 }
 
 } // namespace tk7sim

@@ -7,6 +7,7 @@
 #include "simulator/router/firmwareupdate.h"
 #include "simulator/router/lockstore.h"
 #include "simulator/router/routerconfig.h"
+#include "simulator/router/routerstatus.h"
 
 #include <QByteArray>
 #include <QMap>
@@ -14,22 +15,6 @@
 #include <QTimer>
 
 namespace tk7sim {
-
-/*! What the router reports of itself. */
-struct RouterStatus
-{
-    int versionMajor = 3;
-    int versionMinor = 5;
-    QByteArray mode = "NORMAL";
-    quint16 errorCode = 0;
-    quint8 errorFault = 0;
-    int flashBank = 0;
-    int controlPort = 0; //!< the port to which the tool is wired
-    QByteArray chipId = defaultChipId();
-
-    //! Sixteen bytes that read "TK-7  SIM UNIT 0001" where the tool shows them as characters.
-    static QByteArray defaultChipId();
-};
 
 /*! A sentence on its way to the tool. */
 struct Answer
@@ -73,6 +58,11 @@ public:
     void moveTo(int baud);
     //! The tool has gone: what isn't saved is dropped, the monitor stops, the speed goes back.
     void endConnection();
+    //! Another program takes the router over: the tool is told, and its connection ends behind
+    //! that. Whoever asks from then on is told the same.
+    void giveAway();
+    //! The other program has left.
+    void takeBack() { m_isGivenAway = false; }
     //! Power off and on: a write in progress is lost, too.
     void restart();
     //! True while the router starts with a new firmware; it is told nothing then.
@@ -175,7 +165,6 @@ private:
     void say(const QByteArray &body, SentenceForm form = SentenceForm::Checked);
     void sayBulk(const QByteArray &body, SentenceForm form = SentenceForm::Checked);
     QByteArray viewBody() const;
-    QByteArray errorBody() const;
     QByteArray lockBody() const;
 
     const FaultSet *m_faults;
@@ -184,6 +173,7 @@ private:
     bool m_returnsToStartSpeed = true;
     bool m_connected = false;
     bool m_isAnswering = false; // the answer that makes a connection is on its way
+    bool m_isGivenAway = false; // to another program
     int m_handshakes = 0;
     RouterConfig m_working = RouterConfig::factory();
     RouterConfig m_eeprom = m_working;

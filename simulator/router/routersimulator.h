@@ -1,7 +1,8 @@
 #pragma once
 
-#include "simulator/instruments/aisreport.h"
+#include "simulator/instruments/aistruth.h"
 #include "simulator/router/faults.h"
+#include "simulator/router/linerecord.h"
 #include "simulator/router/portcounters.h"
 #include "simulator/router/routerconfig.h"
 
@@ -15,25 +16,7 @@
 
 namespace tk7sim {
 
-class AisWorld;
-
-/*! Bytes that came from the tool, and when. */
-struct ReceivedLine
-{
-    QByteArray line;     //!< from its '$' to its LF, both included
-    qint64 microseconds; //!< of the steady clock, see RouterSimulator::now()
-    int lineSpeed;       //!< baud to which the terminal was set
-};
-
-/*! What went wrong on the line, counted since the start or the last resetCounters(). */
-struct Counters
-{
-    quint64 garbageBytes = 0;     //!< heard at another speed than the router's
-    quint64 checksumErrors = 0;   //!< checked sentences with a wrong checksum, ignored
-    quint64 refusedSentences = 0; //!< understood, but with a number or a text out of range, ignored
-    quint64 unknownSentences = 0; //!< not in the router's table, or before a connection, ignored
-    quint64 lostBytes = 0;        //!< sent while nobody read
-};
+class RouterDevice;
 
 /*!
  * A TK-7 router behind a pseudo-terminal.
@@ -52,7 +35,7 @@ class RouterSimulator : public QObject
 public:
     static constexpr int fastSpeed = 115200; //!< where every handshake ends
     static constexpr int defaultStartSpeed = 4800;
-    static constexpr int maxTranscript = 10000; //!< older entries are dropped
+    static constexpr int maxTranscript = LineRecord::maxEntries; //!< older entries are dropped
     static constexpr double maxTrafficRate = 1000;
 
     explicit RouterSimulator(QObject *parent = nullptr);
@@ -155,28 +138,26 @@ public:
     bool isAisTestOn() const;
     //! How long writing the EEPROM takes, in milliseconds. Default 300.
     void setSaveDuration(int milliseconds);
-    //! Times the usual number of lines of the port under view and of an AIS test that begins after
-    //! this call, 0 (none) to maxTrafficRate, at which either fills a line of 115200 baud. Default
-    //! 1.
+    //! Times the usual number of lines of every instrument, 0 (none) to maxTrafficRate, at which
+    //! each fills a line of 115200 baud. Default 1.
     void setTrafficRate(double rate);
     //! Seed of everything random, so that a run can be repeated.
     void setSeed(quint32 seed);
 
-    // The AIS test, from $VRATM with ON until OFF or the end of the connection
+    // The AIS stations at the inputs; each of these begins a new world
 
-    //! Class A vessels of the next AIS test, 0 to AisWorldSettings::maxVessels. Default 40.
+    //! Class A vessels around the ship, 0 to AisWorldSettings::maxVessels. Default 40.
     void setAisVessels(int count);
-    //! Input ports with AIS traffic in the next test; empty: as many as the vessels need.
+    //! Input ports with an AIS station; empty: as many as the vessels need.
     void setAisPorts(const QVector<int> &ports);
     /*!
-     * Lets input \a port, 0 to 11, hear the VDM, VDO and ALR sentences of the file \a path in the
-     * next tests, over and over. False, and errorString(), if the port is none or the file can't be
-     * used.
+     * Lets input \a port, 0 to 11, hear the VDM, VDO and ALR sentences of the file \a path, over
+     * and over. False, and errorString(), if the port is none or the file can't be used.
      */
     bool setAisReplay(int port, const QString &path);
-    //! What the vessels of this test, or of the last one, are and have said; null before the first.
-    //! It ends with the next test and with the simulator.
-    const AisWorld *aisWorld() const;
+    //! What the AIS test, from $VRATM with ON until OFF or the end of the connection, has told the
+    //! tool; of the last one, if none is on.
+    const AisTruth &aisTruth() const;
 
     // The counters of the ports
 
@@ -258,7 +239,7 @@ signals:
     //! The mode was set by the tool.
     void modeChanged(const QByteArray &text);
     void aisTestChanged(bool on);
-    //! A report of the AIS world enters the queue. Replayed lines are none.
+    //! A report of an AIS station enters the queue whole. Replayed lines are none.
     void aisReported(const tk7sim::AisReport &report);
     //! A firmware update has begun.
     void updateStarted();
@@ -276,8 +257,8 @@ signals:
     void message(const QString &text);
 
 private:
-    class Private;
-    std::unique_ptr<Private> d;
+    std::unique_ptr<RouterDevice> d;
+    QString m_error;
 };
 
 } // namespace tk7sim

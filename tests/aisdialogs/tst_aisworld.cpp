@@ -9,6 +9,7 @@
 
 #include "simulator/instruments/aisworld.h"
 #include "simulator/line/sentence.h"
+#include "simulator/router/aiscopy.h"
 
 #include <QHeaderView>
 #include <QPushButton>
@@ -218,7 +219,8 @@ void tst_aisworld::hear(const AisReport &report)
     if (m_held && m_held->port == report.port)
         finishHeld();
     const bool isHeldBack = !m_held && report.bodies.size() > 1 && m_random() % heldOfSo == 0;
-    say(report.bodies.constFirst());
+    const QByteArrayList bodies = wrapReport(report);
+    say(bodies.constFirst());
     if (report.bodies.size() > 1 && m_random() % tornOfSo == 0) {
         ++m_torn;
         return;
@@ -227,8 +229,8 @@ void tst_aisworld::hear(const AisReport &report)
         m_held = report;
         return;
     }
-    for (int i = 1; i < report.bodies.size(); ++i)
-        say(report.bodies.at(i));
+    for (const QByteArray &body : bodies.mid(1))
+        say(body);
     m_model->hear(report, m_clock->now().msecsSinceStartOfDay());
     m_heldBack += m_held ? 1 : 0;
 }
@@ -237,8 +239,8 @@ void tst_aisworld::finishHeld()
 {
     if (!m_held)
         return;
-    for (int i = 1; i < m_held->bodies.size(); ++i)
-        say(m_held->bodies.at(i));
+    for (const QByteArray &body : wrapReport(*m_held).mid(1))
+        say(body);
     m_model->hear(*m_held, m_clock->now().msecsSinceStartOfDay());
     m_held.reset();
 }

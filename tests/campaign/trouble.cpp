@@ -16,9 +16,9 @@ namespace {
 constexpr int speeds[] = {2400, 4800, 9600, 19200, 38400, 57600, 115200};
 
 // With these the tool can't connect, or loses the connection.
-constexpr Fault deadlyFaults[] = {Fault::Silent,         Fault::Busy,           Fault::SilentAfter,
-                                  Fault::NoSecondAnswer, Fault::WrongChecksums, Fault::Noise,
-                                  Fault::Unplugged};
+constexpr Fault deadlyFaults[] = {Fault::Silent,    Fault::Busy,           Fault::SilentAfter,
+                                  Fault::BusyAfter, Fault::NoSecondAnswer, Fault::WrongChecksums,
+                                  Fault::Noise,     Fault::Unplugged};
 
 QByteArray decimal(int number)
 {
@@ -105,6 +105,7 @@ double Trouble::valueFor(const FaultInfo &info)
 {
     switch (info.fault) {
     case Fault::SilentAfter:
+    case Fault::BusyAfter:
     case Fault::Unplugged:
     case Fault::Replug:
         return m_dice.between(1, 20) / 10.0;

@@ -1,12 +1,13 @@
 #include "simulator/instruments/aisreplay.h"
 #include "simulator/line/sentence.h"
+#include "simulator/router/aiscopy.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
 
 using namespace tk7sim;
 
-/*! Lines of a file, wrapped as the router wraps what comes to an input port. */
+/*! AIS sentences, as the router wraps them, and files of them that an input hears. */
 class TestSimAisReplay : public QObject
 {
     Q_OBJECT
@@ -184,7 +185,7 @@ void TestSimAisReplay::keepsItsPace()
     }
     QCOMPARE(bodies.size(), lines);
     for (int i = 0; i < bodies.size(); ++i) {
-        QCOMPARE(bodies.at(i), "$VRAIM,1,1,,4," + QByteArray::number(i % 2) + ",0");
+        QCOMPARE(bodies.at(i), "!AIVDM,1,1,,A," + QByteArray::number(i % 2) + ",0");
     }
 }
 
@@ -193,7 +194,7 @@ void TestSimAisReplay::beginsAnew()
     AisReplay replay(4, sentence("!AIVDM,1,1,,A,0,0") + '\n' + sentence("!AIVDM,1,1,,A,1,0"));
     for (const qint64 start : {0, 1000}) {
         replay.start(start);
-        QCOMPARE(replay.take(start).value_or(""), QByteArray("$VRAIM,1,1,,4,0,0"));
+        QCOMPARE(replay.take(start).value_or(""), QByteArray("!AIVDM,1,1,,A,0,0"));
         QVERIFY(!replay.take(start + 99));
     }
 }

@@ -27,6 +27,10 @@ private slots:
     void silent();
     void silentInTheMidst();
     void busy();
+    void busyAfter_data();
+    void busyAfter();
+    void busyAfterSetWhileConnected();
+    void busyAfterTheToolHasLeft();
     void silentAfter();
     void silentAfterLetsTheAnswerOut();
     void silentAfterSetWhileConnected();
@@ -177,6 +181,73 @@ void TestSimFaults::busy()
     QTRY_COMPARE(m_tool->received(), QByteArray("$VRCNB\r\n"));
     QCOMPARE(m_router->speed(), m_router->startSpeed());
     QVERIFY(!m_router->isConnected());
+}
+
+void TestSimFaults::busyAfter_data()
+{
+    QTest::addColumn<bool>("returns");
+    QTest::newRow("back to the start speed") << true;
+    QTest::newRow("stays at 115200 baud") << false;
+}
+
+// The tool is told at the speed of the connection, which ends with that; whoever asks hears the
+// same.
+void TestSimFaults::busyAfter()
+{
+    QFETCH(bool, returns);
+    constexpr double seconds = 0.3;
+    m_router->setReturnsToStartSpeed(returns);
+    m_router->setFault(Fault::BusyAfter, seconds);
+    qint64 connectedAt = 0;
+    connect(m_router.get(), &RouterSimulator::connectedChanged, this, [&](bool connected) {
+        connectedAt = connected ? RouterSimulator::now() : connectedAt;
+    });
+    connectTool();
+    QVERIFY(m_tool->write("$VRVVW,240\r\n$VRATM,ON\r\n"));
+    QTRY_VERIFY_WITH_TIMEOUT(!m_router->isConnected(), timeout);
+    QVERIFY(static_cast<double>(RouterSimulator::now() - connectedAt) >= seconds * almost);
+    QTRY_VERIFY(m_tool->received().endsWith("$VRCNB\r\n"));
+    QCOMPARE(m_router->view(), 255);
+    QVERIFY(!m_router->isAisTestOn());
+    QCOMPARE(m_router->speed(), returns ? m_router->startSpeed() : RouterSimulator::fastSpeed);
+
+    m_tool->clear();
+    query();
+    QTRY_COMPARE(m_tool->received(), QByteArray("$VRCNB\r\n"));
+    QVERIFY(m_tool->write("$VRRLD\r\n$VRCNT\r\n"));
+    QTRY_COMPARE(m_tool->received(), QByteArray("$VRCNB\r\n$VRCNB\r\n"));
+    QVERIFY(!m_router->isConnected());
+
+    m_router->clearFault(Fault::BusyAfter);
+    m_tool->clear();
+    connectTool();
+    QVERIFY(m_tool->write("$VRVER\r\n"));
+    QTRY_COMPARE(m_tool->received(), withChecksum("$VRVER,3.5"));
+}
+
+void TestSimFaults::busyAfterSetWhileConnected()
+{
+    connectTool();
+    m_router->setFault(Fault::BusyAfter, 0);
+    QTRY_COMPARE(m_tool->received(), QByteArray("$VRCNB\r\n"));
+    QTRY_VERIFY(!m_router->isConnected());
+    QCOMPARE(m_router->speed(), m_router->startSpeed());
+}
+
+void TestSimFaults::busyAfterTheToolHasLeft()
+{
+    m_router->setFault(Fault::BusyAfter, 0.3);
+    connectTool();
+    QVERIFY(m_tool->write("$VRDCN\r\n"));
+    QTRY_VERIFY(!m_router->isConnected());
+    m_tool->clear();
+    const auto isBusy = [this] {
+        m_tool->clear();
+        query();
+        return QTest::qWaitFor([this] { return m_tool->received().endsWith("$VRCNB\r\n"); }, 100);
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(isBusy(), timeout);
+    QCOMPARE(m_router->speed(), m_router->startSpeed());
 }
 
 void TestSimFaults::silentAfter()

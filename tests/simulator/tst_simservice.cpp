@@ -64,6 +64,7 @@ private:
 
     FaultSet m_faults;
     RouterClock m_clock;
+    std::unique_ptr<TrafficGenerator> m_traffic;
     std::unique_ptr<PortStatistics> m_statistics;
     std::unique_ptr<RouterCore> m_core;
     QByteArrayList m_said; // bodies
@@ -86,7 +87,8 @@ void TestSimService::init()
     m_faults.clear();
     m_said.clear();
     m_core = std::make_unique<RouterCore>(&m_faults);
-    m_statistics = std::make_unique<PortStatistics>(&m_clock, m_core->working());
+    m_traffic = std::make_unique<TrafficGenerator>(m_clock.start());
+    m_statistics = std::make_unique<PortStatistics>(&m_clock, m_core->working(), m_traffic.get());
     m_core->setStatistics(m_statistics.get());
     m_core->setSaveDuration(0);
     connect(m_core.get(), &RouterCore::answered, this, [this](const Answer &answer) {

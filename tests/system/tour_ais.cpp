@@ -1,7 +1,7 @@
 #include "dialogmap.h"
 #include "likeness.h"
 #include "limits.h"
-#include "simulator/instruments/aisworld.h"
+#include "simulator/instruments/aistruth.h"
 #include "stepfailure.h"
 #include "tablerows.h"
 #include "tour.h"
@@ -30,7 +30,7 @@ constexpr double hurry = 8; // times the usual number of reports, so that names 
 // What the station on the port has heard; the own ship isn't among the stations.
 const AisPortTruth &Tour::aisTruth() const
 {
-    return m_router.aisWorld()->truth(port);
+    return m_router.aisTruth().port(port);
 }
 
 // The rows of the table in `window`, seen in `strip`, which has no text.

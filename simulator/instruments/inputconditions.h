@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/router/routerconfig.h"
+#include "simulator/instruments/ports.h"
 
 #include <QtGlobal>
 
