@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QPushButton>
 
+#include <algorithm>
 #include <random>
 
 namespace {
@@ -103,6 +104,14 @@ BoxAnswer::Box FirmwareBench::failure(const QString &text)
             closeChildOfTheWindow};
 }
 
+BoxAnswer::Box FirmwareBench::successBox()
+{
+    return {QStringLiteral("Firmware update"),
+            QStringLiteral("The firmware has been successfully loaded, the router will reboot. "
+                           "Please reconnect to the router."),
+            QMessageBox::Information};
+}
+
 BoxAnswer::Box FirmwareBench::success(const std::function<void()> &whileOpen)
 {
     const auto close = [this, whileOpen](QMessageBox &box) {
@@ -111,13 +120,10 @@ BoxAnswer::Box FirmwareBench::success(const std::function<void()> &whileOpen)
             whileOpen();
         closeChildOfTheWindow(box);
     };
-    return {QStringLiteral("Firmware update"),
-            QStringLiteral("The firmware has been successfully loaded, the router will reboot. "
-                           "Please reconnect to the router."),
-            QMessageBox::Information,
-            QMessageBox::Ok,
-            QMessageBox::NoButton,
-            close};
+    BoxAnswer::Box box = successBox();
+    box.click = QMessageBox::NoButton;
+    box.whileOpen = close;
+    return box;
 }
 
 bool FirmwareBench::startUpdate(const QByteArray &image)
@@ -146,4 +152,53 @@ QList<QByteArray> FirmwareBench::firmwareHeard() const
             sentences += sentence;
     }
     return sentences;
+}
+
+QTimer *FirmwareBench::watchdog() const
+{
+    const auto timers = window.findChildren<QTimer *>();
+    const auto found = std::find_if(timers.begin(), timers.end(), [](const QTimer *timer) {
+        return timer->interval() == watchdogMs;
+    });
+    return found == timers.end() ? nullptr : *found;
+}
+
+void FirmwareBench::load(servicedlg &dialog)
+{
+    dialog.findChild<QPushButton *>(QStringLiteral("pushButton_Fw_Update"))->click();
+    QVERIFY2(files->report().isEmpty(), qPrintable(files->report()));
+    QVERIFY2(boxes.isDone(), qPrintable(boxes.report()));
+}
+
+BoxAnswer::Box FirmwareBench::loadError(const QString &text)
+{
+    return {QStringLiteral("Load Firmware"), text, QMessageBox::Warning};
+}
+
+void FirmwareBench::verifyUpdateWorks()
+{
+    const QByteArray image = firmwareImage(100, 7);
+    takeFirmware();
+    QVERIFY(startUpdate(image));
+    boxes.expect(success());
+    QTRY_VERIFY(!window.isConnected());
+    QVERIFY(isFinished);
+    QCOMPARE(taken, image);
+    QVERIFY2(boxes.isDone(), qPrintable(boxes.report()));
+    QVERIFY2(files->report().isEmpty(), qPrintable(files->report()));
+}
+
+void FirmwareBench::verifyNoUpdate()
+{
+    QTRY_VERIFY(!progress());
+    QVERIFY(!watchdog()->isActive());
+    window.slotStartFirmwareUpdate();
+    QVERIFY(!progress());
+    QVERIFY2(boxes.isDone(), qPrintable(boxes.report()));
+}
+
+void FirmwareBench::verifyIdle()
+{
+    verifyNoUpdate();
+    QVERIFY(window.isConnected());
 }

@@ -5,6 +5,7 @@
 
 #include <QProgressDialog>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <memory>
 
@@ -43,8 +44,10 @@ public:
     static BoxAnswer::Box question(const QString &version, QMessageBox::StandardButton click);
     /*! The box that ends an update without success. */
     static BoxAnswer::Box failure(const QString &text);
+    /*! The box that ends an update with success. */
+    static BoxAnswer::Box successBox();
     /*!
-     * The box that ends an update with success, and is closed behind \a whileOpen, or when the last
+     * The same in the tool of this bench, which is closed behind \a whileOpen, or when the last
      * sentence of the update has been heard.
      */
     BoxAnswer::Box success(const std::function<void()> &whileOpen = nullptr);
@@ -60,6 +63,25 @@ public:
     void pressCancel();
     /*! Whether an update is under way. */
     bool isUpdating() const { return progress() && progress()->isVisible(); }
+
+    /*! The timer that ends an update of which nothing is heard any more. */
+    static constexpr int watchdogMs = 6000;
+    QTimer *watchdog() const;
+
+    /*!
+     * Presses the button of \a dialog that loads a file, with the answers that files and boxes
+     * have been told; they must all have been asked.
+     */
+    void load(servicedlg &dialog);
+    /*! The box of a file that can't be loaded. */
+    static BoxAnswer::Box loadError(const QString &text);
+
+    /*! Runs a whole update at once, without a new connection. */
+    void verifyUpdateWorks();
+    /*! No update, and nothing left of one: the image is forgotten, so that none can start. */
+    void verifyNoUpdate();
+    /*! The same, and the connection stands. */
+    void verifyIdle();
 
     /*! The sentences of an update among heard(). */
     QList<QByteArray> firmwareHeard() const;

@@ -171,6 +171,15 @@ private:
     const MainWindow &window;
 };
 
+/*! Rows as MatrixView::row() tells them. */
+namespace MatrixRows {
+
+inline const QString emptyRow = QStringLiteral("-------\"\"");
+inline const QString plainRow = QStringLiteral("F-CH--S\"\"");
+inline const QString fullRow = QStringLiteral("F+sC+H+tsS\"GP\"!");
+
+} // namespace MatrixRows
+
 /*! \a body, a star, its checksum computed here, CR LF. */
 inline QByteArray checkedSentence(const QByteArray &body)
 {

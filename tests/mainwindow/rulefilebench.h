@@ -2,7 +2,9 @@
 
 #include "matrixview.h"
 
+#include "../model/rulefilebytes.h"
 #include "model/routermodel.h"
+#include "model/sentencebuilders.h"
 #include "support/filedialoganswer.h"
 
 #include <QComboBox>
@@ -13,19 +15,32 @@
 
 const QString loadTitle = QStringLiteral("Load Rules");
 
-inline QByteArray dataFile(const char *name)
-{
-    QFile file(QStringLiteral(TK7_TEST_DATA "/") + QString::fromLatin1(name));
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("%s: %s", name, qPrintable(file.errorString()));
-    return file.readAll();
-}
-
 inline void makeFile(const QString &path, const QByteArray &content)
 {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("%s: %s", qPrintable(path), qPrintable(file.errorString()));
+}
+
+/*! Gives \a window the router \a model, as a download would. */
+inline void fill(MainWindow &window, const RouterModel &model)
+{
+    for (quint8 port = 0; port < OutputPortCount; ++port) {
+        const OutputPortRecord &output = model.output_ports[port];
+        for (int c = 0; c < ChannelCount; ++c) {
+            const ChannelRecord &channel = output.channels[std::size_t(c)];
+            window.slotVRNewRule(port, c, rulesByte(channel), flagsByte(channel));
+            window.slotVRNewFilterMask(port, c, channel.filter_mask);
+            window.slotVRNewHdr(port, c, channel.hdr);
+        }
+        window.slotVRNewPortSpeed(port, output.speed);
+        window.slotVRNewPortName(true, port, output.output_name);
+        window.slotVRNewPortName(false, port, model.input_ports[port].input_name);
+    }
+    for (quint8 slot = 0; slot < FilterSlotCount; ++slot) {
+        const bool isTaken = model.filter_list_mask >> slot & 1;
+        window.slotVRNewFilterStr(slot, isTaken ? model.filter_list[slot] : QString());
+    }
 }
 
 inline bool isPort(int input)

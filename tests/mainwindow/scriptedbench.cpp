@@ -18,6 +18,25 @@ constexpr int longestWait = 10000; // ms
 
 } // namespace
 
+bool inService(MainWindow &window, const std::function<void(servicedlg &)> &use)
+{
+    bool hasCome = false;
+    QTimer timer; // goes with what it looks for
+    timer.setSingleShot(true);
+    QObject::connect(&timer, &QTimer::timeout, &window, [&] {
+        const QPointer<servicedlg> dialog = window.findChild<servicedlg *>();
+        if (!dialog || !dialog->isVisible())
+            return;
+        hasCome = true;
+        use(*dialog);
+        if (dialog)
+            dialog->close();
+    });
+    timer.start(0);
+    window.findChild<QPushButton *>(QStringLiteral("pushButton_Service"))->click();
+    return hasCome;
+}
+
 ScriptedBench::ScriptedBench(const QByteArray &version) : m_version(version)
 {
     if (!line.isValid())
@@ -117,23 +136,4 @@ void ScriptedBench::endLink()
     const QPointer<NmeaSerialPort> link = window.currentLink();
     for (int i = 0; i < mostLooks && link && window.currentLink() == link; ++i)
         link->slot_confirm_timer();
-}
-
-bool ScriptedBench::inService(const std::function<void(servicedlg &)> &use)
-{
-    bool hasCome = false;
-    QTimer timer; // goes with what it looks for
-    timer.setSingleShot(true);
-    QObject::connect(&timer, &QTimer::timeout, &line, [&] {
-        const QPointer<servicedlg> dialog = serviceDialog();
-        if (!dialog || !dialog->isVisible())
-            return;
-        hasCome = true;
-        use(*dialog);
-        if (dialog)
-            dialog->close();
-    });
-    timer.start(0);
-    find<QPushButton>(QStringLiteral("pushButton_Service"))->click();
-    return hasCome;
 }

@@ -10,6 +10,12 @@
 #include <functional>
 
 /*!
+ * Presses the service button of \a window and runs \a use, a function of a servicedlg &, in the
+ * dialog's event loop. The dialog is closed then if it is still open. Returns whether it came.
+ */
+bool inService(MainWindow &window, const std::function<void(servicedlg &)> &use);
+
+/*!
  * The real window, wired to a router that says exactly what the test tells it to say.
  *
  * Of itself it only answers the handshake, the watch and the requests for the configuration, which
@@ -60,11 +66,11 @@ public:
 
     servicedlg *serviceDialog() const { return window.findChild<servicedlg *>(); }
 
-    /*!
-     * Presses the service button and runs \a use, a function of a servicedlg &, in the dialog's
-     * event loop. The dialog is closed then if it is still open. Returns whether it came.
-     */
-    bool inService(const std::function<void(servicedlg &)> &use);
+    /*! Runs \a use in the service dialog of this window, as the function of that name does. */
+    bool inService(const std::function<void(servicedlg &)> &use)
+    {
+        return ::inService(window, use);
+    }
 
 private:
     void answer(const QByteArray &sentence);

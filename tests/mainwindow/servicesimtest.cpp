@@ -6,25 +6,6 @@
 #include <QLabel>
 #include <QTableWidget>
 
-namespace {
-
-// Closed when the router has heard that it may use the firmware.
-BoxAnswer::Box success(WindowBench &bench)
-{
-    BoxAnswer::Box box = {
-        QStringLiteral("Firmware update"),
-        QStringLiteral("The firmware has been successfully loaded, the router will reboot. Please "
-                       "reconnect to the router."),
-        QMessageBox::Information, QMessageBox::Ok, QMessageBox::NoButton};
-    box.whileOpen = [&bench](QMessageBox &open) {
-        QTRY_VERIFY(bench.heard().endsWith("$VRFWW\r\n"));
-        open.accept();
-    };
-    return box;
-}
-
-} // namespace
-
 void ServiceSimTest::init()
 {
     m_bench = std::make_unique<WindowBench>();
@@ -45,22 +26,6 @@ bool ServiceSimTest::connectToRouter()
     const auto *label = m_bench->find<QLabel>("label_firmware_version");
     return m_bench->connectToRouter()
         && QTest::qWaitFor([label] { return !label->text().isEmpty(); });
-}
-
-bool ServiceSimTest::inService(const std::function<void(servicedlg &)> &use)
-{
-    bool hasCome = false;
-    QTimer::singleShot(0, &m_bench->window, [&] {
-        const QPointer<servicedlg> dialog = m_bench->window.findChild<servicedlg *>();
-        if (!dialog || !dialog->isVisible())
-            return;
-        hasCome = true;
-        use(*dialog);
-        if (dialog)
-            dialog->close();
-    });
-    m_bench->find<QPushButton>("pushButton_Service")->click();
-    return hasCome;
 }
 
 bool ServiceSimTest::startUpdate(const QByteArray &image)
@@ -88,7 +53,14 @@ void ServiceSimTest::verifyUpdateWorks(const QByteArray &image)
         QTRY_VERIFY(!dialog.findChild<QTableWidget *>()->item(11, 4)->text().isEmpty());
     }));
     QVERIFY(startUpdate(image));
-    m_bench->boxes.expect(success(*m_bench));
+    // Closed when the router has heard that it may use the firmware.
+    BoxAnswer::Box success = FirmwareBench::successBox();
+    success.click = QMessageBox::NoButton;
+    success.whileOpen = [this](QMessageBox &open) {
+        QTRY_VERIFY(m_bench->heard().endsWith("$VRFWW\r\n"));
+        open.accept();
+    };
+    m_bench->boxes.expect(success);
     // Waits by an event loop of its own, and so at the pace of the line.
     QVERIFY(received.wait(60000));
     QTRY_VERIFY(!m_bench->window.isConnected());

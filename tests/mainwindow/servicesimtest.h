@@ -28,7 +28,10 @@ protected:
     /*! Connects and waits for the version, which comes behind the download. */
     bool connectToRouter();
     /*! Opens the service dialog and closes it behind \a use; false if it hasn't come. */
-    bool inService(const std::function<void(servicedlg &)> &use);
+    bool inService(const std::function<void(servicedlg &)> &use)
+    {
+        return ::inService(m_bench->window, use);
+    }
     /*! Loads \a image in the service dialog; false if the dialog has not closed by that. */
     bool startUpdate(const QByteArray &image);
     void verifyUpdateWorks(const QByteArray &image);

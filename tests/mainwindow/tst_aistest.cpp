@@ -1,5 +1,6 @@
 #include "aistalk.h"
 #include "scriptedbench.h"
+#include "windowbench.h"
 
 #include "aisdialogs/aisalarmlistdlg.h"
 #include "aisdialogs/aistargetinfodlg.h"
@@ -138,7 +139,7 @@ void tst_aistest::openWindows(const aistestdlg &dialog, const QStringList &windo
 
 BoxAnswer::Box tst_aistest::timeout() const
 {
-    return {QStringLiteral("COM Port"), QStringLiteral("Connection timeout"), QMessageBox::Warning};
+    return WindowBench::timeoutBox();
 }
 
 void tst_aistest::verifyAllIsClosed() const
@@ -322,9 +323,7 @@ void tst_aistest::routerIsTaken()
 {
     QVERIFY(inAisTest([&](aistestdlg &dialog) {
         const QPointer<aistestdlg> guard(&dialog);
-        m_bench->boxes.expect({QStringLiteral("COM Port"),
-                               QStringLiteral("TK-7 Router Busy another Control programm"),
-                               QMessageBox::Warning});
+        m_bench->boxes.expect(WindowBench::busyBox());
         m_bench->sayBare("$VRCNB");
         QTRY_VERIFY(!m_bench->window.isConnected());
         QVERIFY(guard && guard->isVisible());

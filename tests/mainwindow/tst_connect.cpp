@@ -114,7 +114,7 @@ void tst_connect::progressDialog()
 {
     WindowBench bench;
     bench.router.setFault(Fault::Silent);
-    bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    bench.boxes.expect(WindowBench::timeoutBox());
     bench.find<QPushButton>("pushButton_connect")->click();
 
     QPointer<QProgressDialog> dialog = bench.window.findChild<QProgressDialog *>();
@@ -155,7 +155,7 @@ void tst_connect::silentRouterTimesOut()
 {
     WindowBench bench;
     bench.router.setFault(Fault::Silent);
-    bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    bench.boxes.expect(WindowBench::timeoutBox());
     QElapsedTimer clock;
     clock.start();
     bench.find<QPushButton>("pushButton_connect")->click();
@@ -169,8 +169,7 @@ void tst_connect::busyRouter()
 {
     WindowBench bench;
     bench.router.setFault(Fault::Busy);
-    bench.boxes.expect(
-        WindowBench::linkBox(QStringLiteral("TK-7 Router Busy another Control programm")));
+    bench.boxes.expect(WindowBench::busyBox());
     bench.find<QPushButton>("pushButton_connect")->click();
     QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.answered() == 1, 5000);
     bench.verifyIdle();
@@ -181,8 +180,7 @@ void tst_connect::busyDuringTheConnection()
 {
     WindowBench bench;
     QVERIFY(bench.connectToRouter());
-    bench.boxes.expect(
-        WindowBench::linkBox(QStringLiteral("TK-7 Router Busy another Control programm")));
+    bench.boxes.expect(WindowBench::busyBox());
     bench.router.sendLine("$VRCNB\r\n");
     QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.answered() == 2, 5000);
     QTRY_VERIFY(!bench.window.isConnected());
@@ -215,7 +213,7 @@ void tst_connect::noSecondAnswer()
 {
     WindowBench bench;
     bench.router.setFault(Fault::NoSecondAnswer);
-    bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    bench.boxes.expect(WindowBench::timeoutBox());
     bench.find<QPushButton>("pushButton_connect")->click();
     QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.answered() == 1, 10000);
     bench.verifyIdle();
@@ -228,7 +226,7 @@ void tst_connect::wrongChecksums()
     constexpr int speeds = 7;
     WindowBench bench;
     bench.router.setFault(Fault::WrongChecksums);
-    bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    bench.boxes.expect(WindowBench::timeoutBox());
     QCOMPARE(shownCount(bench.window), noCount);
     bench.find<QPushButton>("pushButton_connect")->click();
     const auto shown = followCount(bench.window);
@@ -309,7 +307,7 @@ void tst_connect::nothingIsKnownOfTheNextConnection()
     const auto *version = bench.find<QLabel>("label_firmware_version");
     const auto *mode = bench.find<QLabel>("label_firmware_mode");
     QVERIFY(!version->text().isEmpty() && !mode->text().isEmpty());
-    bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    bench.boxes.expect(WindowBench::timeoutBox());
     bench.endLink();
     QVERIFY(!bench.window.isConnected());
 
@@ -350,7 +348,7 @@ void tst_connect::viewEndsWithTheConnection()
     bench.waitUntilHeard();
     QCOMPARE(sheets().size(), before.size());
     QVERIFY(sheets() != before);
-    bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    bench.boxes.expect(WindowBench::timeoutBox());
     bench.endLink();
     QVERIFY(!bench.window.isConnected());
     QCOMPARE(sheets(), before);
@@ -362,7 +360,7 @@ void tst_connect::linkDiesUnderAnOpenBox()
     WindowBench bench;
     BoxAnswer::Box leftOpen = WindowBench::downloadBox();
     leftOpen.click = QMessageBox::NoButton;
-    bench.boxes.expect(leftOpen).expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    bench.boxes.expect(leftOpen).expect(WindowBench::timeoutBox());
     // The box holds the test up in its own event loop: the silence must come from a timer.
     QTimer silence;
     silence.start(10);

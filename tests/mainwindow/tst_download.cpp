@@ -268,7 +268,7 @@ void tst_download::breaksOff()
                     bench.router.setFault(Fault::Unplugged, 0);
                 ++sent;
             });
-    bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    bench.boxes.expect(WindowBench::timeoutBox());
     bench.find<QPushButton>("pushButton_connect")->click();
     QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.answered() == 1, 10000);
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
@@ -312,7 +312,7 @@ void tst_download::brokenDownloadStays()
     expected.output_ports[3].speed = 57600;
     expected.output_ports[0].output_name = QStringLiteral("GPS");
 
-    boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    boxes.expect(WindowBench::timeoutBox());
     window.slotConnectPort();
     QTRY_VERIFY_WITH_TIMEOUT(boxes.answered() == 1, 12000);
     const qint64 took = clock.elapsed();

@@ -23,16 +23,6 @@ namespace {
 
 constexpr int longestWatch = 8000; // ms
 
-BoxAnswer::Box timeout()
-{
-    return WindowBench::linkBox(QStringLiteral("Connection timeout"));
-}
-
-BoxAnswer::Box busy()
-{
-    return WindowBench::linkBox(QStringLiteral("TK-7 Router Busy another Control programm"));
-}
-
 void pressOk(const QDialog &dialog)
 {
     dialog.findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok)->click();
@@ -73,7 +63,8 @@ public:
     bool end(const QDialog &editor)
     {
         const int before = bench.boxes.answered();
-        bench.boxes.expect(m_how == QLatin1String("busy") ? busy() : timeout());
+        bench.boxes.expect(m_how == QLatin1String("busy") ? WindowBench::busyBox()
+                                                          : WindowBench::timeoutBox());
         if (m_how == QLatin1String("cable"))
             bench.router.unplug();
         else if (m_how == QLatin1String("busy"))

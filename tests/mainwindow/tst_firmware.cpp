@@ -1,42 +1,21 @@
 #include "firmwarebench.h"
+#include "windowbench.h"
 
 #include "link/nmeaserialport.h"
-#include "support/checkedline.h"
-#include "support/nofile.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTimer>
 #include <QWindow>
 
-#include <unistd.h>
-
-#include <algorithm>
-
-/*! The firmware update: loading the file, all states, all ends, and the attempt that follows. */
+/*! The firmware update: all states, all ends, and the attempt that follows. */
 class tst_firmware : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void sizes_data();
-    void sizes();
-    void largestFile();
-    void badFiles_data();
-    void badFiles();
-    void fileThatGoes_data();
-    void fileThatGoes();
-    void fileThatEndsEarly();
-    void unreadableFile();
-    void noFileChosen();
-    void questions_data();
-    void questions();
-    void answeredNo();
-    void questionsButtonsStay();
-
     void progressDialog();
     void progressValues_data();
     void progressValues();
@@ -86,7 +65,7 @@ const QString timeoutText = QStringLiteral("Error: Firmware update timeout");
 enum State { Waiting, Sending, Finishing };
 
 constexpr int smallSize = 70;
-constexpr int watchdogMs = 6000;
+constexpr int watchdogMs = FirmwareBench::watchdogMs;
 
 void addStates()
 {
@@ -124,294 +103,7 @@ bool bringTo(FirmwareBench &bench, State state, const QByteArray &image)
     return QTest::qWaitFor([&] { return bench.heard().endsWith(lastSentenceOf(state, image)); });
 }
 
-// A whole update at once, without a new connection.
-void verifyUpdateWorks(FirmwareBench &bench)
-{
-    const QByteArray image = firmwareImage(100, 7);
-    bench.takeFirmware();
-    QVERIFY(bench.startUpdate(image));
-    bench.boxes.expect(bench.success());
-    QTRY_VERIFY(!bench.window.isConnected());
-    QVERIFY(bench.isFinished);
-    QCOMPARE(bench.taken, image);
-    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-    QVERIFY2(bench.files->report().isEmpty(), qPrintable(bench.files->report()));
-}
-
-QTimer *watchdog(const FirmwareBench &bench)
-{
-    const auto timers = bench.window.findChildren<QTimer *>();
-    const auto found = std::find_if(timers.begin(), timers.end(), [](const QTimer *timer) {
-        return timer->interval() == watchdogMs;
-    });
-    return found == timers.end() ? nullptr : *found;
-}
-
-// No update, and nothing left of one: the image is forgotten, so that none can start.
-void verifyNoUpdate(FirmwareBench &bench)
-{
-    QTRY_VERIFY(!bench.progress());
-    QVERIFY(!watchdog(bench)->isActive());
-    bench.window.slotStartFirmwareUpdate();
-    QVERIFY(!bench.progress());
-    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-}
-
-void verifyIdle(FirmwareBench &bench)
-{
-    verifyNoUpdate(bench);
-    QVERIFY(bench.window.isConnected());
-}
-
-BoxAnswer::Box routerBusy()
-{
-    return {QStringLiteral("COM Port"), QStringLiteral("TK-7 Router Busy another Control programm"),
-            QMessageBox::Warning};
-}
-
-// Presses the button, with the answers that bench.files and bench.boxes have been told.
-void load(FirmwareBench &bench, servicedlg &dialog)
-{
-    dialog.findChild<QPushButton *>(QStringLiteral("pushButton_Fw_Update"))->click();
-    QVERIFY2(bench.files->report().isEmpty(), qPrintable(bench.files->report()));
-    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-}
-
-BoxAnswer::Box loadError(const QString &text)
-{
-    return {QStringLiteral("Load Firmware"), text, QMessageBox::Warning};
-}
-
 } // namespace
-
-void tst_firmware::sizes_data()
-{
-    QTest::addColumn<int>("packets");
-
-    // A file without a version has version 0.0.
-    QTest::newRow("6") << 1;
-    QTest::newRow("14") << 1;
-    QTest::newRow("15") << 1;
-    QTest::newRow("16") << 1;
-    QTest::newRow("17") << 1;
-    QTest::newRow("18") << 1;
-    QTest::newRow("31") << 1;
-    QTest::newRow("32") << 1;
-    QTest::newRow("33") << 2;
-    QTest::newRow("64") << 2;
-    QTest::newRow("65") << 3;
-    QTest::newRow("1000") << 32;
-}
-
-void tst_firmware::sizes()
-{
-    QFETCH(int, packets);
-    const int size = QByteArray(QTest::currentDataTag()).toInt();
-    const QByteArray image = firmwareImage(size);
-    FirmwareBench bench;
-    QVERIFY(bench.connectToRouter());
-    bench.takeFirmware();
-    const QString version = QStringLiteral("%1.%2").arg(size > 14 ? 3 : 0).arg(size > 15 ? 6 : 0);
-    bench.files->expect(FirmwareBench::chooser(bench.writeFile(image)));
-    bench.boxes.expect(FirmwareBench::question(version, QMessageBox::Yes)).expect(bench.success());
-    QVERIFY(bench.inService([&](servicedlg &dialog) {
-        dialog.findChild<QPushButton *>(QStringLiteral("pushButton_Fw_Update"))->click();
-    }));
-    QList<QByteArray> expected = {"$VRFWS\r\n"};
-    for (int number = 1; number <= packets; ++number)
-        expected += packetSentence(image, number);
-    expected += {"$VRFWF\r\n", "$VRFWW\r\n"};
-    QTRY_VERIFY(!bench.window.isConnected());
-    QCOMPARE(bench.firmwareHeard(), expected);
-    QCOMPARE(bench.taken, image);
-    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-}
-
-// It would take a quarter of an hour: its beginning will do.
-void tst_firmware::largestFile()
-{
-    const QByteArray image = firmwareImage(1000000);
-    FirmwareBench bench;
-    QVERIFY(bench.connectToRouter());
-    bench.takeFirmware(3);
-    QVERIFY(bench.startUpdate(image));
-    QTRY_VERIFY(bench.heard().contains(packetSentence(image, 4)));
-    QCOMPARE(bench.taken, image.left(96));
-    bench.pressCancel();
-    verifyIdle(bench);
-}
-
-void tst_firmware::badFiles_data()
-{
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QString>("error");
-
-    const QString noFirmware = QStringLiteral("File %1 in not TK-7 firmware");
-    QTest::newRow("0 bytes") << QByteArray() << noFirmware;
-    QTest::newRow("5 bytes") << firmwareImage(5) << noFirmware;
-    QTest::newRow("another magic") << QByteArray("fwVR47").leftJustified(100, '\0') << noFirmware;
-    QTest::newRow("magic in lower case")
-        << QByteArray("fwvr48").leftJustified(100, '\0') << noFirmware;
-    QTest::newRow("magic behind a byte") << ' ' + firmwareImage(100) << noFirmware;
-    QTest::newRow("1,000,000 bytes of nothing") << QByteArray(1000000, '\0') << noFirmware;
-    QTest::newRow("1,000,001 bytes")
-        << firmwareImage(1000001) << QStringLiteral("File %1 is very big");
-}
-
-void tst_firmware::badFiles()
-{
-    QFETCH(QByteArray, content);
-    QFETCH(QString, error);
-    FirmwareBench bench;
-    QVERIFY(bench.connectToRouter());
-    const QString path = bench.writeFile(content);
-    bench.files->expect(FirmwareBench::chooser(path));
-    bench.boxes.expect(loadError(error.arg(path)));
-    QVERIFY(bench.inService([&](servicedlg &dialog) {
-        load(bench, dialog);
-        QVERIFY(dialog.isVisible());
-    }));
-    QCOMPARE(bench.firmwareHeard(), QList<QByteArray>());
-    verifyUpdateWorks(bench);
-}
-
-void tst_firmware::fileThatGoes_data()
-{
-    addNoFiles();
-}
-
-// Between the choice and the reading.
-void tst_firmware::fileThatGoes()
-{
-    QFETCH(NoFile, noFile);
-    FirmwareBench bench;
-    QVERIFY(bench.connectToRouter());
-    const QString path = bench.writeFile(firmwareImage(100));
-    auto chooser = FirmwareBench::chooser(path);
-    chooser.onFinished = [&] { makeNoFile(noFile, path); };
-    bench.files->expect(chooser);
-    bench.boxes.expect(loadError(QStringLiteral("Error open file %1").arg(path)));
-    QVERIFY(bench.inService([&](servicedlg &dialog) { load(bench, dialog); }));
-    QCOMPARE(bench.firmwareHeard(), QList<QByteArray>());
-}
-
-// A file of the system that is said to have 4096 bytes and has a few: the same as one that is cut
-// while it is read.
-void tst_firmware::fileThatEndsEarly()
-{
-    const QString path = QStringLiteral("/sys/devices/system/cpu/online");
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QVERIFY(file.size() > file.readAll().size());
-    FirmwareBench bench;
-    QVERIFY(bench.connectToRouter());
-    bench.files->expect(FirmwareBench::chooser(path));
-    bench.boxes.expect(loadError(QStringLiteral("Error read file %1").arg(path)));
-    QVERIFY(bench.inService([&](servicedlg &dialog) { load(bench, dialog); }));
-    QCOMPARE(bench.firmwareHeard(), QList<QByteArray>());
-    verifyUpdateWorks(bench);
-}
-
-// A file of the system that nobody may read, the superuser neither.
-void tst_firmware::unreadableFile()
-{
-    FirmwareBench bench;
-    QVERIFY(bench.connectToRouter());
-    const QString path = QStringLiteral("/proc/sys/vm/compact_memory");
-    QVERIFY(QFile::exists(path) && !QFileInfo(path).isReadable());
-    bench.files->expect(FirmwareBench::chooser(path));
-    bench.boxes.expect(loadError(QStringLiteral("Error open file %1").arg(path)));
-    QVERIFY(bench.inService([&](servicedlg &dialog) { load(bench, dialog); }));
-}
-
-void tst_firmware::noFileChosen()
-{
-    FirmwareBench bench;
-    QVERIFY(bench.connectToRouter());
-    bench.files->expect(FirmwareBench::chooser(QString()));
-    QVERIFY(bench.inService([&](servicedlg &dialog) {
-        load(bench, dialog);
-        QVERIFY(dialog.isVisible());
-    }));
-    QCOMPARE(bench.firmwareHeard(), QList<QByteArray>());
-}
-
-void tst_firmware::questions_data()
-{
-    QTest::addColumn<QByteArray>("fields"); // offsets 14 to 17
-    QTest::addColumn<QString>("version");
-
-    QTest::newRow("no mode") << QByteArray("\x03\x06\0\0", 4) << "3.6";
-    QTest::newRow("offset 17 alone is no mode") << QByteArray("\x03\x06\0B", 4) << "3.6";
-    QTest::newRow("one character") << QByteArray("\x04\x00"
-                                                 "A\0",
-                                                 4)
-                                   << "4.0 mode A";
-    QTest::newRow("two characters") << QByteArray("\x09\x09"
-                                                  "AB",
-                                                  4)
-                                    << "9.9 mode AB";
-    QTest::newRow("percent signs") << QByteArray("\x01\x02"
-                                                 "%1",
-                                                 4)
-                                   << "1.2 mode %1";
-    QTest::newRow("numbers that are no digits") << QByteArray("\x0a\x11\0\0", 4) << ":.A";
-}
-
-void tst_firmware::questions()
-{
-    QFETCH(QByteArray, fields);
-    QFETCH(QString, version);
-    FirmwareBench bench;
-    QVERIFY(bench.connectToRouter());
-    const QByteArray image = firmwareImage(100).replace(14, 4, fields);
-    bench.files->expect(FirmwareBench::chooser(bench.writeFile(image)));
-    bench.boxes.expect(FirmwareBench::question(version, QMessageBox::No));
-    QVERIFY(bench.inService([&](servicedlg &dialog) { load(bench, dialog); }));
-    QCOMPARE(bench.firmwareHeard(), QList<QByteArray>());
-}
-
-void tst_firmware::answeredNo()
-{
-    FirmwareBench bench;
-    QVERIFY(bench.connectToRouter());
-    const QString path = bench.writeFile(firmwareImage(100));
-    bench.files->expect(FirmwareBench::chooser(path));
-    bench.boxes.expect(FirmwareBench::question(QStringLiteral("3.6"), QMessageBox::No));
-    QVERIFY(bench.inService([&](servicedlg &dialog) {
-        load(bench, dialog);
-        QVERIFY(dialog.isVisible());
-        QVERIFY(!bench.progress());
-    }));
-    QTest::qWait(100);
-    QCOMPARE(bench.firmwareHeard(), QList<QByteArray>());
-    verifyUpdateWorks(bench);
-}
-
-void tst_firmware::questionsButtonsStay()
-{
-    FirmwareBench bench;
-    QVERIFY(bench.connectToRouter());
-    const QString path = bench.writeFile(firmwareImage(100));
-    const QString bad = bench.writeFile(QByteArray(100, 'x'), QStringLiteral("bad.efw"));
-    bench.files->expect(FirmwareBench::chooser(bad))
-        .expect(FirmwareBench::chooser(path))
-        .expect(FirmwareBench::chooser(bad));
-    BoxAnswer::Box error = loadError(QStringLiteral("File %1 in not TK-7 firmware").arg(bad));
-    bench.boxes.expect(error).expect(
-        FirmwareBench::question(QStringLiteral("3.6"), QMessageBox::No));
-    error.buttons = QMessageBox::Yes | QMessageBox::No;
-    error.click = QMessageBox::Yes;
-    bench.boxes.expect(error);
-    QVERIFY(bench.inService([&](servicedlg &dialog) {
-        for (int i = 0; i < 3; ++i)
-            dialog.findChild<QPushButton *>(QStringLiteral("pushButton_Fw_Update"))->click();
-        QVERIFY(dialog.isVisible());
-        QVERIFY2(bench.files->report().isEmpty(), qPrintable(bench.files->report()));
-    }));
-    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-    QCOMPARE(bench.firmwareHeard(), QList<QByteArray>());
-}
 
 void tst_firmware::progressDialog()
 {
@@ -439,7 +131,7 @@ void tst_firmware::progressDialog()
     }
     dialog->findChild<QPushButton *>()->click();
     QTRY_VERIFY(!dialog);
-    verifyIdle(bench);
+    bench.verifyIdle();
 }
 
 void tst_firmware::progressValues_data()
@@ -477,7 +169,7 @@ void tst_firmware::progressValues()
     QCOMPARE(bench.progress()->findChild<QProgressBar *>()->text(),
              QStringLiteral("%1%").arg(values.last()));
     bench.pressCancel();
-    verifyIdle(bench);
+    bench.verifyIdle();
 }
 
 void tst_firmware::packets()
@@ -499,7 +191,7 @@ void tst_firmware::packets()
                                 "00000AFF000000000000000000000000*00\r\n",
                                 "$VRFWP,2,0A*06\r\n", "$VRFWF\r\n"}));
     bench.pressCancel();
-    verifyIdle(bench);
+    bench.verifyIdle();
 }
 
 // The service dialog is still open when the request is queued, and closed before the first packet.
@@ -513,14 +205,14 @@ void tst_firmware::startSentenceComesFirst()
         bool wasOpen = false;
         connect(&dialog, &servicedlg::startFirmwareUpdate, &dialog,
                 [&] { wasOpen = dialog.isVisible() && bench.progress(); });
-        load(bench, dialog);
+        bench.load(dialog);
         QVERIFY(wasOpen);
         QVERIFY(!dialog.isVisible());
     }));
     QTRY_VERIFY(bench.isUpdating());
     QTRY_COMPARE(bench.firmwareHeard(), QList<QByteArray>({"$VRFWS\r\n"}));
     bench.pressCancel();
-    verifyIdle(bench);
+    bench.verifyIdle();
 }
 
 void tst_firmware::nothingElseIsSentMeanwhile()
@@ -541,13 +233,13 @@ void tst_firmware::succeeds()
 {
     FirmwareBench bench;
     QVERIFY(bench.connectToRouter());
-    verifyUpdateWorks(bench);
+    bench.verifyUpdateWorks();
     QVERIFY(!bench.window.currentLink());
     QCOMPARE(bench.find<QPushButton>("pushButton_connect")->text(), QStringLiteral("Connect"));
     QVERIFY(bench.find<QLabel>("label_firmware_version")->text().isEmpty());
     // The router comes back, and can be updated again.
     QVERIFY(bench.connectToRouter());
-    verifyUpdateWorks(bench);
+    bench.verifyUpdateWorks();
 }
 
 // A user who is quicker than the queue.
@@ -558,10 +250,7 @@ void tst_firmware::boxClosedAtOnce()
     bench.boxes.setLookInterval(0);
     bench.takeFirmware();
     QVERIFY(bench.startUpdate(firmwareImage(smallSize)));
-    BoxAnswer::Box box = bench.success();
-    box.click = QMessageBox::Ok;
-    box.whileOpen = nullptr;
-    bench.boxes.expect(box);
+    bench.boxes.expect(FirmwareBench::successBox());
     QTRY_VERIFY(!bench.window.isConnected());
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
     QTRY_VERIFY(bench.firmwareHeard().endsWith("$VRFWW\r\n"));
@@ -601,11 +290,11 @@ void tst_firmware::takenOverUnderTheLastBox()
             QTRY_VERIFY(!bench.window.isConnected());
             isTaken = true;
         }))
-        .expect(routerBusy());
+        .expect(WindowBench::busyBox());
     QTRY_VERIFY(isTaken && !bench.window.findChild<QMessageBox *>());
     QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
     QVERIFY(bench.connectToRouter());
-    verifyUpdateWorks(bench);
+    bench.verifyUpdateWorks();
 }
 
 void tst_firmware::readyTwiceStartsAgain()
@@ -620,7 +309,7 @@ void tst_firmware::readyTwiceStartsAgain()
                                         packetSentence(image, 2)};
     QTRY_COMPARE(bench.firmwareHeard(), expected);
     bench.pressCancel();
-    verifyIdle(bench);
+    bench.verifyIdle();
 }
 
 // Before the first packet the number last sent is 0: a router that acknowledges it gets packet 1.
@@ -637,7 +326,7 @@ void tst_firmware::zeroStandsForReady()
     bench.boxes.expect(FirmwareBench::failure(wrongNumber));
     bench.say("$VRFWP,0");
     QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-    verifyIdle(bench);
+    bench.verifyIdle();
 }
 
 // The number behind the last packet is the one that counts then, again and again, and winds the
@@ -647,12 +336,7 @@ void tst_firmware::finishAcknowledgedFinishesAgain()
     FirmwareBench bench;
     QVERIFY(bench.connectToRouter());
     QVERIFY(bringTo(bench, Finishing, firmwareImage(smallSize)));
-    const QTimer *watchdog = nullptr;
-    const auto timers = bench.window.findChildren<QTimer *>();
-    for (const QTimer *timer : timers) {
-        if (timer->interval() == 6000)
-            watchdog = timer;
-    }
+    const QTimer *watchdog = bench.watchdog();
     QVERIFY(watchdog && watchdog->isActive());
     for (int number = 4; number <= 5; ++number) {
         QTRY_VERIFY(watchdog->remainingTime() < 5000);
@@ -664,7 +348,7 @@ void tst_firmware::finishAcknowledgedFinishesAgain()
         QVERIFY(bench.isUpdating());
     }
     bench.pressCancel();
-    verifyIdle(bench);
+    bench.verifyIdle();
 }
 
 void tst_firmware::doneInAnyState_data()
@@ -719,12 +403,12 @@ void tst_firmware::keysInTheProgress()
             QTest::keyRelease(target, Qt::Key(key));
     }
     if (ends) {
-        verifyIdle(bench);
+        bench.verifyIdle();
     } else {
         bench.waitUntilHeard();
         QVERIFY(bench.isUpdating());
         bench.pressCancel();
-        verifyIdle(bench);
+        bench.verifyIdle();
     }
     QTest::qWait(60);
     QCOMPARE(bench.heard().size(), before);
@@ -744,12 +428,12 @@ void tst_firmware::cancel()
     QVERIFY(bringTo(bench, State(state), image));
     const int before = bench.heard().size();
     bench.pressCancel();
-    verifyIdle(bench);
+    bench.verifyIdle();
     // The router is told nothing.
     QTest::qWait(100);
     QCOMPARE(bench.heard().size(), before);
     QVERIFY(!bench.progress());
-    verifyUpdateWorks(bench);
+    bench.verifyUpdateWorks();
 }
 
 void tst_firmware::wrongAcknowledgements_data()
@@ -778,10 +462,10 @@ void tst_firmware::wrongAcknowledgements()
     const int before = bench.heard().size();
     bench.say("$VRFWP," + number);
     QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-    verifyIdle(bench);
+    bench.verifyIdle();
     QTest::qWait(60);
     QCOMPARE(bench.heard().size(), before);
-    verifyUpdateWorks(bench);
+    bench.verifyUpdateWorks();
 }
 
 // The last packet of an update that was cancelled is acknowledged when the next one waits already:
@@ -793,13 +477,13 @@ void tst_firmware::lateAcknowledgement()
     QVERIFY(bench.connectToRouter());
     QVERIFY(bringTo(bench, Sending, image));
     bench.pressCancel();
-    verifyIdle(bench);
+    bench.verifyIdle();
     QVERIFY(bringTo(bench, Waiting, image));
     bench.boxes.expect(FirmwareBench::failure(wrongNumber));
     bench.say("$VRFWP,2");
     QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-    verifyIdle(bench);
-    verifyUpdateWorks(bench);
+    bench.verifyIdle();
+    bench.verifyUpdateWorks();
 }
 
 // The number that would come next, of a packet that was never sent.
@@ -840,8 +524,8 @@ void tst_firmware::errorCodes()
                                               + QString::fromLatin1(code)));
     bench.say("$VRFWE," + code);
     QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-    verifyIdle(bench);
-    verifyUpdateWorks(bench);
+    bench.verifyIdle();
+    bench.verifyUpdateWorks();
 }
 
 void tst_firmware::timeout_data()
@@ -862,8 +546,8 @@ void tst_firmware::timeout()
     const qint64 elapsed = clock.elapsed();
     QVERIFY2(elapsed > watchdogMs - 200 && elapsed < watchdogMs + 800,
              qPrintable(QString::number(elapsed)));
-    verifyIdle(bench);
-    verifyUpdateWorks(bench);
+    bench.verifyIdle();
+    bench.verifyUpdateWorks();
 }
 
 void tst_firmware::takenOver_data()
@@ -880,20 +564,20 @@ void tst_firmware::takenOver()
     QVERIFY(bringTo(bench, State(state), firmwareImage(smallSize)));
     bench.keepSilent();
     bool isOver = false;
-    BoxAnswer::Box box = routerBusy();
+    BoxAnswer::Box box = WindowBench::busyBox();
     box.click = QMessageBox::NoButton;
     box.whileOpen = [&](QMessageBox &open) {
-        isOver = !bench.isUpdating() && !watchdog(bench)->isActive();
+        isOver = !bench.isUpdating() && !bench.watchdog()->isActive();
         open.accept();
     };
     bench.boxes.expect(box);
     bench.sayBare("$VRCNB");
     QTRY_VERIFY(!bench.window.isConnected());
     QVERIFY(isOver);
-    verifyNoUpdate(bench);
+    bench.verifyNoUpdate();
     QVERIFY(bench.connectToRouter());
-    verifyIdle(bench);
-    verifyUpdateWorks(bench);
+    bench.verifyIdle();
+    bench.verifyUpdateWorks();
 }
 
 // A farewell that still waits behind a long queue when the update starts.
@@ -904,9 +588,9 @@ void tst_firmware::disconnectOvertakenByAnUpdate()
     QVERIFY(bringTo(bench, Waiting, firmwareImage(smallSize)));
     bench.window.currentLink()->sendSentence(QStringLiteral("$VRDCN\r\n"));
     QTRY_VERIFY(!bench.window.isConnected());
-    verifyNoUpdate(bench);
+    bench.verifyNoUpdate();
     QVERIFY(bench.connectToRouter());
-    verifyUpdateWorks(bench);
+    bench.verifyUpdateWorks();
 }
 
 void tst_firmware::everyStepWindsTheWatchdog()
@@ -951,13 +635,14 @@ void tst_firmware::imageLostOnTheWay()
     bench.keepSilent();
     const QString empty = bench.writeFile(QByteArray(), QStringLiteral("empty.efw"));
     bench.files->expect(FirmwareBench::chooser(empty));
-    bench.boxes.expect(loadError(QStringLiteral("File %1 in not TK-7 firmware").arg(empty)));
-    QVERIFY(bench.inService([&](servicedlg &dialog) { load(bench, dialog); }));
+    bench.boxes.expect(
+        FirmwareBench::loadError(QStringLiteral("File %1 in not TK-7 firmware").arg(empty)));
+    QVERIFY(bench.inService([&](servicedlg &dialog) { bench.load(dialog); }));
     bench.boxes.expect(FirmwareBench::failure(QStringLiteral("Error firmware update. code: -2")));
     bench.say("$VRFWP," + number);
     QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-    verifyIdle(bench);
-    verifyUpdateWorks(bench);
+    bench.verifyIdle();
+    bench.verifyUpdateWorks();
 }
 
 void tst_firmware::lateSentencesAreIgnored()
@@ -988,8 +673,8 @@ void tst_firmware::lateSentencesAreIgnored()
     sayAll();
     QTest::qWait(60);
     QCOMPARE(bench.firmwareHeard().size(), before);
-    verifyIdle(bench);
-    verifyUpdateWorks(bench);
+    bench.verifyIdle();
+    bench.verifyUpdateWorks();
 }
 
 void tst_firmware::manyFailuresInARow()
@@ -1007,10 +692,10 @@ void tst_firmware::manyFailuresInARow()
                     FirmwareBench::failure(QStringLiteral("Error firmware update. code: 9")));
                 bench.say("$VRFWE,9");
             }
-            verifyIdle(bench);
+            bench.verifyIdle();
         }
     }
-    verifyUpdateWorks(bench);
+    bench.verifyUpdateWorks();
 }
 
 void tst_firmware::startsOnlyWithAnImageAndAConnection()
@@ -1033,19 +718,19 @@ void tst_firmware::doesNotStartBehindTheEnd()
     FirmwareBench bench;
     QVERIFY(bench.connectToRouter());
     QVERIFY(bench.inService([&](servicedlg &dialog) {
-        bench.boxes.expect(routerBusy());
+        bench.boxes.expect(WindowBench::busyBox());
         bench.sayBare("$VRCNB");
         QTRY_VERIFY(!bench.window.isConnected());
         bench.files->expect(FirmwareBench::chooser(bench.writeFile(firmwareImage(smallSize))));
         bench.boxes.expect(FirmwareBench::question(QStringLiteral("3.6"), QMessageBox::Yes));
-        load(bench, dialog);
+        bench.load(dialog);
         QVERIFY(!dialog.isVisible());
     }));
     QVERIFY(!bench.progress());
-    QVERIFY(!watchdog(bench)->isActive());
+    QVERIFY(!bench.watchdog()->isActive());
     QVERIFY(bench.connectToRouter());
     QVERIFY(!bench.progress());
-    verifyUpdateWorks(bench);
+    bench.verifyUpdateWorks();
 }
 
 QTEST_MAIN(tst_firmware)

@@ -1,3 +1,4 @@
+#include "dragtest.h"
 #include "matrixview.h"
 #include "scriptedbench.h"
 
@@ -6,9 +7,7 @@
 #include "service/waitsavedlg.h"
 #include "widgets/qmlineedit.h"
 
-#include <QDrag>
 #include <QProgressDialog>
-#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -21,11 +20,6 @@ constexpr int restStyle = 33;
 constexpr int pressedStyle = 49;
 const QString anyBox = QStringLiteral("(a box)");
 
-QPoint middle(const QWidget *widget)
-{
-    return widget->mapTo(widget->window(), widget->rect().center());
-}
-
 } // namespace
 
 Q_DECLARE_METATYPE(Way)
@@ -34,17 +28,9 @@ Q_DECLARE_METATYPE(Way)
  * Something opens over the window while the mouse is at work in it: a drag, a press or the editor
  * of a name ends, and the first click on what has opened counts.
  */
-class TestInterruptions : public QObject
+class TestInterruptions : public DragTest
 {
     Q_OBJECT
-
-public:
-    // Unlike the offscreen platform this one plays a drag, with the events of its own mouse.
-    static void initMain()
-    {
-        qputenv("QT_QPA_PLATFORM", "minimal");
-        qputenv("QT_FONT_DPI", "96");
-    }
 
 private slots:
     void initTestCase();

@@ -1,42 +1,22 @@
-#include "scriptedbench.h"
+#include "locktalk.h"
 
-#include "mainwindow/statuswidget.h"
-#include "service/enterpassworddlg.h"
 #include "service/passworddlg.h"
 #include "support/checkedline.h"
 #include "support/indialog.h"
-#include "widgets/qclicklabel.h"
 
 #include <QFile>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
 #include <QTemporaryFile>
 
 #include <cstdio>
 #include <memory>
 #include <unistd.h>
 
-/*! The router's lock: the status panel, the service dialog's buttons and boxes, the passwords. */
+/*! The router's lock in the service dialog: its buttons and boxes, the passwords. */
 class tst_lock : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void statusPanel_data();
-    void statusPanel();
-    void panelIsHiddenWithoutAConnection();
-    void clickOnTheLabel_data();
-    void clickOnTheLabel();
-    void labelNeedsAConnection();
-    void labelUnlocks();
-    void labelCancels();
-    void labelRefusesABadPassword();
-    void wrongPasswordInTheWindow_data();
-    void wrongPasswordInTheWindow();
-    void wrongPasswordTwice();
-    void serviceTakesTheStatus();
-
     void buttons_data();
     void buttons();
     void withoutAPasswordTheButtonStaysAsItIs();
@@ -77,19 +57,6 @@ private:
 
 namespace {
 
-const QString unlockTitle = QStringLiteral("Unlock TK-7");
-const QString unlockedText = QStringLiteral("Router TK-7 unlocked successfully");
-
-BoxAnswer::Box wrongPassword()
-{
-    return {unlockTitle, QStringLiteral("Wrong Unlock Password"), QMessageBox::Warning};
-}
-
-BoxAnswer::Box unlocked(const QString &welcome = QString())
-{
-    return {unlockTitle, welcome + unlockedText, QMessageBox::Information};
-}
-
 BoxAnswer::Box deleted(QMessageBox::StandardButtons buttons = QMessageBox::Ok)
 {
     return {QStringLiteral("Delete lock password"),
@@ -119,32 +86,6 @@ QString welcomeOf(int level)
     return level == 5 ? highestWelcome : QString();
 }
 
-QByteArray status(bool password, int level)
-{
-    return "$VRLCK," + QByteArray(password ? "1" : "0") + ',' + QByteArray::number(level);
-}
-
-void setStatus(ScriptedBench &bench, bool password, int level)
-{
-    bench.say(status(password, level));
-    bench.waitUntilHeard();
-}
-
-QPushButton *button(const QWidget &dialog, const char *name)
-{
-    auto *found = dialog.findChild<QPushButton *>(QString::fromLatin1(name));
-    if (!found)
-        qFatal("no button %s", name);
-    return found;
-}
-
-void type(const QWidget &dialog, const char *field, const QString &text)
-{
-    auto *edit = dialog.findChild<QLineEdit *>(QString::fromLatin1(field));
-    edit->clear();
-    QTest::keyClicks(edit, text);
-}
-
 void typeNew(const passwordDlg &dialog, const QString &password)
 {
     type(dialog, "lineEdit_lock_password", password);
@@ -152,236 +93,7 @@ void typeNew(const passwordDlg &dialog, const QString &password)
     button(dialog, "pushButton_Ok")->click();
 }
 
-void typeUnlock(const EnterPasswordDlg &dialog, const QString &password)
-{
-    type(dialog, "lineEdit_password", password);
-    button(dialog, "pushButton_Ok")->click();
-}
-
-// Runs `use` in the dialog that a press on the lock label opens.
-bool inLabelDialog(ScriptedBench &bench, const std::function<void(EnterPasswordDlg &)> &use)
-{
-    bool hasCome = false;
-    QTimer::singleShot(0, &bench.line, [&] {
-        const QPointer<EnterPasswordDlg> dialog = bench.window.findChild<EnterPasswordDlg *>();
-        if (!dialog || !dialog->isVisible())
-            return;
-        hasCome = true;
-        use(*dialog);
-        if (dialog && dialog->isVisible())
-            dialog->reject();
-    });
-    QTest::mousePress(bench.find<QClickLabel>("label_lock"), Qt::LeftButton);
-    QCoreApplication::processEvents();
-    return hasCome;
-}
-
 } // namespace
-
-void tst_lock::statusPanel_data()
-{
-    QTest::addColumn<bool>("password");
-    QTest::addColumn<int>("level");
-    QTest::addColumn<bool>("visible");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("style");
-
-    const QString rest = QStringLiteral("; color: white; border-style: inset; border-width: 1px; "
-                                        "font-size:10pt}");
-    const QString red = QStringLiteral("QLabel { background-color: rgb(229,22,28)") + rest;
-    const QString blue = QStringLiteral("QLabel { background-color: rgb(66,133,244)") + rest;
-    QTest::newRow("no password") << false << 0 << false << "LOCK" << red;
-    QTest::newRow("locked") << true << 0 << true << "LOCK" << red;
-    for (int level = 1; level <= 5; ++level)
-        QTest::addRow("level %d", level) << true << level << true << "UNLOCK" << blue;
-}
-
-void tst_lock::statusPanel()
-{
-    QFETCH(bool, password);
-    QFETCH(int, level);
-    QFETCH(QString, text);
-    QFETCH(QString, style);
-    ScriptedBench bench;
-    QVERIFY(bench.connectToRouter());
-    auto *label = bench.find<QClickLabel>("label_lock");
-    QVERIFY(!label->isVisible());
-    setStatus(bench, password, level);
-    QTEST(label->isVisible(), "visible");
-    if (password) {
-        QCOMPARE(label->text(), text);
-        QCOMPARE(label->styleSheet(), style);
-    }
-    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-}
-
-void tst_lock::panelIsHiddenWithoutAConnection()
-{
-    ScriptedBench bench;
-    auto *label = bench.find<QClickLabel>("label_lock");
-    QVERIFY(!label->isVisible());
-    QVERIFY(bench.connectToRouter());
-    setStatus(bench, true, 0);
-    QVERIFY(label->isVisible());
-    bench.boxes.expect(
-        {QStringLiteral("COM Port"), QStringLiteral("Connection timeout"), QMessageBox::Warning});
-    bench.endLink();
-    QVERIFY(!label->isVisible());
-    // Locked once in the old connection: the first status of the new one is no answer to anything.
-    QVERIFY(bench.connectToRouter());
-    QVERIFY(!label->isVisible());
-    setStatus(bench, true, 0);
-    QVERIFY(label->isVisible());
-    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-}
-
-void tst_lock::clickOnTheLabel_data()
-{
-    QTest::addColumn<bool>("password");
-    QTest::addColumn<int>("level");
-    QTest::addColumn<bool>("asks");
-    QTest::addColumn<QList<QByteArray>>("sent");
-
-    const QList<QByteArray> lock = {"$VRLGO\r\n"};
-    QTest::newRow("no password") << false << 0 << false << QList<QByteArray>();
-    QTest::newRow("locked") << true << 0 << true << QList<QByteArray>();
-    for (int level = 1; level <= 5; ++level)
-        QTest::addRow("level %d", level) << true << level << false << lock;
-}
-
-void tst_lock::clickOnTheLabel()
-{
-    QFETCH(bool, password);
-    QFETCH(int, level);
-    QFETCH(QList<QByteArray>, sent);
-    ScriptedBench bench;
-    QVERIFY(bench.connectToRouter());
-    setStatus(bench, password, level);
-    const bool asked = inLabelDialog(bench, [](EnterPasswordDlg &) {});
-    QTEST(asked, "asks");
-    bench.waitUntilHeard();
-    QTRY_COMPARE(bench.commands(), sent);
-}
-
-void tst_lock::labelNeedsAConnection()
-{
-    MainWindow alone;
-    alone.slotVRLockStatus(true, 0);
-    QVERIFY(!inDialog<EnterPasswordDlg>([&] { alone.slotLockClicked(); },
-                                        [](EnterPasswordDlg &enter) { enter.reject(); }));
-}
-
-void tst_lock::labelUnlocks()
-{
-    ScriptedBench bench;
-    QVERIFY(bench.connectToRouter());
-    setStatus(bench, true, 0);
-    QVERIFY(inLabelDialog(bench, [&](EnterPasswordDlg &dialog) {
-        QCOMPARE(dialog.parentWidget(), &bench.window);
-        typeUnlock(dialog, QStringLiteral("Harbour7"));
-    }));
-    QTRY_COMPARE(bench.commands(), QList<QByteArray>({checkedLine("$VRPWU,Harbour7")}));
-    setStatus(bench, true, 2);
-    QCOMPARE(bench.find<QClickLabel>("label_lock")->text(), QStringLiteral("UNLOCK"));
-    QVERIFY(!bench.window.findChild<EnterPasswordDlg *>());
-    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-}
-
-void tst_lock::labelCancels()
-{
-    ScriptedBench bench;
-    QVERIFY(bench.connectToRouter());
-    setStatus(bench, true, 0);
-    QVERIFY(inLabelDialog(bench, [](EnterPasswordDlg &dialog) {
-        type(dialog, "lineEdit_password", QStringLiteral("Harbour7"));
-        button(dialog, "pushButton_Cancel")->click();
-    }));
-    bench.waitUntilHeard();
-    QCOMPARE(bench.commands(), QList<QByteArray>());
-}
-
-void tst_lock::labelRefusesABadPassword()
-{
-    ScriptedBench bench;
-    QVERIFY(bench.connectToRouter());
-    setStatus(bench, true, 0);
-    bench.boxes.expect(
-        {QStringLiteral("Password error"),
-         QStringLiteral("The password can only contain numbers and Latin characters"),
-         QMessageBox::Warning});
-    QVERIFY(inLabelDialog(bench, [](EnterPasswordDlg &dialog) {
-        typeUnlock(dialog, QStringLiteral("with blank"));
-        QVERIFY(dialog.isVisible());
-        typeUnlock(dialog, QStringLiteral("without"));
-        QVERIFY(!dialog.isVisible());
-    }));
-    QTRY_COMPARE(bench.commands(), QList<QByteArray>({checkedLine("$VRPWU,without")}));
-    QVERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-}
-
-void tst_lock::wrongPasswordInTheWindow_data()
-{
-    QTest::addColumn<bool>("oldPassword");
-    QTest::addColumn<int>("oldLevel");
-    QTest::addColumn<bool>("password");
-    QTest::addColumn<int>("level");
-    QTest::addColumn<bool>("box");
-
-    QTest::newRow("locked, locked again") << true << 0 << true << 0 << true;
-    QTest::newRow("no password, then locked") << false << 0 << true << 0 << false;
-    QTest::newRow("unlocked, then locked") << true << 2 << true << 0 << false;
-    QTest::newRow("locked, then unlocked") << true << 0 << true << 2 << false;
-    QTest::newRow("locked, then no password") << true << 0 << false << 0 << false;
-    QTest::newRow("no password, again") << false << 0 << false << 0 << false;
-    QTest::newRow("unlocked, again") << true << 3 << true << 3 << false;
-}
-
-void tst_lock::wrongPasswordInTheWindow()
-{
-    QFETCH(bool, oldPassword);
-    QFETCH(int, oldLevel);
-    QFETCH(bool, password);
-    QFETCH(int, level);
-    QFETCH(bool, box);
-    ScriptedBench bench;
-    QVERIFY(bench.connectToRouter());
-    setStatus(bench, oldPassword, oldLevel);
-    if (box)
-        bench.boxes.expect(wrongPassword());
-    setStatus(bench, password, level);
-    QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-}
-
-// The second status comes while the box of the first is open.
-void tst_lock::wrongPasswordTwice()
-{
-    ScriptedBench bench;
-    QVERIFY(bench.connectToRouter());
-    setStatus(bench, true, 0);
-    bench.boxes.expect(wrongPassword()).expect(wrongPassword());
-    bench.say(status(true, 0));
-    bench.say(status(true, 0));
-    bench.waitUntilHeard();
-    QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-}
-
-// With the service dialog open its own box comes, and only that one.
-void tst_lock::serviceTakesTheStatus()
-{
-    ScriptedBench bench;
-    QVERIFY(bench.connectToRouter());
-    setStatus(bench, true, 0);
-    QVERIFY(bench.inService([&](servicedlg &) {
-        bench.boxes.expect(wrongPassword());
-        setStatus(bench, true, 0);
-        QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-    }));
-    QCOMPARE(bench.find<QClickLabel>("label_lock")->text(), QStringLiteral("LOCK"));
-    // What came while it was open counts behind it.
-    bench.boxes.expect(wrongPassword());
-    setStatus(bench, true, 0);
-    QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
-}
 
 void tst_lock::buttons_data()
 {

@@ -1,163 +1,33 @@
+#include "dragtest.h"
 #include "rulefilebench.h"
 
 #include "../model/randommodel.h"
 #include "../model/richmodel.h"
-#include "model/rulefile.h"
 #include "support/nofile.h"
 
-#include <QBuffer>
 #include <QDir>
-#include <QDrag>
 #include <QFile>
-#include <QScopeGuard>
-#include <QTemporaryDir>
-
-#include <csignal>
-#include <functional>
-#include <memory>
-
-#ifdef Q_OS_LINUX
-#include <sys/mount.h>
-#endif
-#include <sys/resource.h>
-
-// Rule files through the window: its buttons, the file dialogs, the boxes, the screen and the line.
+#include <QLabel>
 
 using Bench = RuleFileBench;
-using Setup = std::function<void(MainWindow &)>;
-Q_DECLARE_METATYPE(Setup)
+using namespace RuleFileBytes;
 
 namespace {
 
 const QString saveTitle = QStringLiteral("Save Rules");
 
-// A file of a router without names.
-constexpr int channelsOffset = 3;
-constexpr int channelSize = 9;
-constexpr int speedOffset = channelsOffset + 12 * channelSize; // of port 0
-constexpr int portSize = 12 * channelSize + 4 + 1;
-constexpr int inputNamesOffset = channelsOffset + 12 * portSize + 4 + 12 * 3;
-
-QByteArray written(const RouterModel &model)
-{
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    return RuleFile::write(buffer, model) ? buffer.data() : QByteArray();
-}
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no such file)");
-}
-
-/*! Gives \a window the router \a model, as a download would. */
-void fill(MainWindow &window, const RouterModel &model)
-{
-    for (quint8 port = 0; port < OutputPortCount; ++port) {
-        const OutputPortRecord &output = model.output_ports[port];
-        for (int c = 0; c < ChannelCount; ++c) {
-            const ChannelRecord &channel = output.channels[std::size_t(c)];
-            window.slotVRNewRule(port, c, rulesByte(channel), flagsByte(channel));
-            window.slotVRNewFilterMask(port, c, channel.filter_mask);
-            window.slotVRNewHdr(port, c, channel.hdr);
-        }
-        window.slotVRNewPortSpeed(port, output.speed);
-        window.slotVRNewPortName(true, port, output.output_name);
-        window.slotVRNewPortName(false, port, model.input_ports[port].input_name);
-    }
-    for (quint8 slot = 0; slot < FilterSlotCount; ++slot) {
-        const bool isTaken = model.filter_list_mask >> slot & 1;
-        window.slotVRNewFilterStr(slot, isTaken ? model.filter_list[slot] : QString());
-    }
-}
-
-/*! What of \a model a file brings to a window of defaults. */
-RouterModel asLoaded(RouterModel model)
-{
-    RouterModel loaded;
-    QBuffer buffer;
-    buffer.setData(written(model));
-    buffer.open(QIODevice::ReadOnly);
-    return RuleFile::read(buffer, loaded) ? loaded : RouterModel();
-}
-
-/*! Drags the label in \a from to \a to by the mouse; returns whether \a to took it. */
-bool drag(DragFrame *from, DragFrame *to)
-{
-    const auto middle = [](const QWidget *widget) {
-        return widget->mapTo(widget->window(), widget->rect().center());
-    };
-    QWindow *screen = from->window()->windowHandle();
-    bool isTaken = false;
-    QTest::mousePress(screen, Qt::LeftButton, Qt::NoModifier, middle(from));
-    QTimer::singleShot(0, from, [&] {
-        const auto *begun = from->window()->findChild<QDrag *>();
-        QTest::mouseMove(screen, middle(to));
-        isTaken = begun && begun->target() != nullptr;
-        QTest::mouseRelease(screen, Qt::LeftButton, Qt::NoModifier, middle(to));
-    });
-    // The drag begins and ends within this move.
-    QTest::mouseMove(screen, middle(from) + QPoint(QApplication::startDragDistance() + 1, 0));
-    QCoreApplication::processEvents();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    return isTaken;
-}
-
-/*! Sets back the size limit of files when it goes out of scope. */
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes) : m_handler(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        rlimit limit = m_before;
-        limit.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-
-private:
-    void (*m_handler)(int);
-    rlimit m_before = {};
-};
-
 } // namespace
 
-class TestRuleFiles : public QObject
+/*!
+ * Rule files through the window: loading, what the screen and the line show of it, a link that ends
+ * meanwhile. Saving by itself is tst_rulefiles_save.
+ */
+class TestRuleFiles : public DragTest
 {
     Q_OBJECT
 
-public:
-    // Unlike the offscreen platform this one plays a drag.
-    static void initMain()
-    {
-        qputenv("QT_QPA_PLATFORM", "minimal");
-        qputenv("QT_FONT_DPI", "96");
-    }
-
 private slots:
     void cancelledDialogs();
-
-    void saves_data();
-    void saves();
-    void savesOverAnotherFile();
-    void otherSuffixes_data();
-    void otherSuffixes();
-    void saveCantOpen_data();
-    void saveCantOpen();
-    void saveRefused_data();
-    void saveRefused();
-    void fileSizeLimit_data();
-    void fileSizeLimit();
-    void fullDevice();
-    void saveToAPipe();
-    void fullFileSystem();
-    void whatWasDownloadedIsSaved();
 
     void loads_data();
     void loads();
@@ -191,232 +61,6 @@ void TestRuleFiles::cancelledDialogs()
     QCOMPARE(bench.report(), QString());
     QVERIFY(bench.window.routerModel() == before);
     QVERIFY(QDir(bench.folder.path()).isEmpty());
-}
-
-void TestRuleFiles::saves_data()
-{
-    QTest::addColumn<Setup>("setup");
-    QTest::addColumn<QString>("golden");
-
-    QTest::newRow("a window as it starts") << Setup([](MainWindow &) {}) << "rules-default.vrr";
-    QTest::newRow("every field in use")
-        << Setup([](MainWindow &window) { fill(window, richModel()); }) << "rules-rich.vrr";
-}
-
-void TestRuleFiles::saves()
-{
-    QFETCH(Setup, setup);
-    QFETCH(QString, golden);
-    Bench bench;
-    setup(bench.window);
-    bench.save(bench.path("rules.vrr"));
-    QCOMPARE(bench.report(), QString()); // and no message of success
-    QCOMPARE(contentOf(bench.path("rules.vrr")).toHex(' '),
-             dataFile(golden.toLatin1().constData()).toHex(' '));
-    QVERIFY(bench.heard().isEmpty());
-}
-
-void TestRuleFiles::savesOverAnotherFile()
-{
-    Bench bench;
-    makeFile(bench.path("rules.vrr"), QByteArray(5000, 'x'));
-    bench.expectReplaceQuestion("rules.vrr");
-    bench.save(bench.path("rules.vrr"));
-    QCOMPARE(bench.report(), QString());
-    QCOMPARE(contentOf(bench.path("rules.vrr")), dataFile("rules-default.vrr"));
-}
-
-void TestRuleFiles::otherSuffixes_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<bool>("isWritten");
-
-    const auto row = [](const char *name, bool isWritten) {
-        QTest::newRow(name) << QString::fromLatin1(name) << isWritten;
-    };
-    row("rules.vrr", true);
-    row("rules.old.vrr", true);
-    row(".vrr", true);
-    row("rules", false);
-    row("vrr", false);
-    row("rules.VRR", false);
-    row("rules.Vrr", false);
-    row("rules.vrr1", false);
-    row("rules.vrr.bak", false);
-    row("rules.", false);
-}
-
-void TestRuleFiles::otherSuffixes()
-{
-    QFETCH(QString, name);
-    QFETCH(bool, isWritten);
-    Bench bench;
-    bench.save(bench.path(name));
-    QCOMPARE(bench.report(), QString());
-    QVERIFY(QFile::exists(bench.path(name)));
-    QCOMPARE(contentOf(bench.path(name)), isWritten ? dataFile("rules-default.vrr") : QByteArray());
-    if (isWritten)
-        return;
-
-    makeFile(bench.path(name), "an older one");
-    bench.expectReplaceQuestion(name);
-    bench.save(bench.path(name));
-    QCOMPARE(bench.report(), QString());
-    QCOMPARE(contentOf(bench.path(name)), QByteArray());
-}
-
-void TestRuleFiles::saveCantOpen_data()
-{
-    QTest::addColumn<QString>("name");
-
-    QTest::newRow("in a folder that isn't there") << "nowhere/rules.vrr";
-    QTest::newRow("whatever its suffix") << "nowhere/rules";
-}
-
-void TestRuleFiles::saveCantOpen()
-{
-    QFETCH(QString, name);
-    Bench bench;
-    const QString path = bench.path(name);
-    bench.expectWarning(saveTitle, QStringLiteral("Error open file %1").arg(path));
-    bench.save(path);
-    QCOMPARE(bench.report(), QString());
-}
-
-void TestRuleFiles::saveRefused_data()
-{
-    QTest::addColumn<Setup>("setup");
-
-    QTest::newRow("a header override without its header")
-        << Setup([](MainWindow &window) { window.slotVRNewRule(11, 11, 0xf3, 0x08); });
-    QTest::newRow("a header of one character") << Setup([](MainWindow &window) {
-        window.slotVRNewRule(0, 0, 0xf3, 0x08);
-        window.slotVRNewHdr(0, 0, QStringLiteral("G"));
-    });
-    QTest::newRow("a sentence name of two characters")
-        << Setup([](MainWindow &window) { window.slotVRNewFilterStr(31, QStringLiteral("MW")); });
-    QTest::newRow("a sentence name of four characters")
-        << Setup([](MainWindow &window) { window.slotVRNewFilterStr(0, QStringLiteral("RMCX")); });
-}
-
-void TestRuleFiles::saveRefused()
-{
-    QFETCH(Setup, setup);
-    Bench bench;
-    setup(bench.window);
-    const QString path = bench.path("rules.vrr");
-    const QString error = QStringLiteral("Error save rules to %1").arg(path);
-    bench.expectWarning(saveTitle, error);
-    bench.save(path);
-    QCOMPARE(bench.report(), QString());
-    QVERIFY(!QFile::exists(path));
-
-    makeFile(path, dataFile("rules-rich.vrr"));
-    bench.expectReplaceQuestion("rules.vrr");
-    bench.expectWarning(saveTitle, error);
-    bench.save(path);
-    QCOMPARE(bench.report(), QString());
-    QVERIFY(!QFile::exists(path)); // nor is the older one left
-}
-
-void TestRuleFiles::fileSizeLimit_data()
-{
-    QTest::addColumn<int>("limit");
-    QTest::addColumn<bool>("isSaved");
-
-    const int size = dataFile("rules-default.vrr").size();
-    QTest::newRow("no byte fits") << 0 << false;
-    QTest::newRow("the magic fits") << 3 << false;
-    QTest::newRow("half a file fits") << size / 2 << false;
-    QTest::newRow("all but one byte fit") << size - 1 << false;
-    QTest::newRow("the whole file fits") << size << true;
-}
-
-void TestRuleFiles::fileSizeLimit()
-{
-    QFETCH(int, limit);
-    QFETCH(bool, isSaved);
-    Bench bench;
-    const QString path = bench.path("rules.vrr");
-    if (!isSaved)
-        bench.expectWarning(saveTitle, QStringLiteral("Error save rules to %1").arg(path));
-    {
-        const FileSizeLimit fileSizeLimit(static_cast<rlim_t>(limit));
-        bench.save(path);
-    }
-    QCOMPARE(bench.report(), QString());
-    QCOMPARE(QFile::exists(path), isSaved);
-}
-
-void TestRuleFiles::fullDevice()
-{
-    if (!QFile::exists("/dev/full"))
-        QSKIP("no device that is always full");
-    Bench bench;
-    const QString path = bench.path("rules.vrr");
-    QVERIFY(QFile::link("/dev/full", path));
-    bench.expectReplaceQuestion("rules.vrr");
-    bench.expectWarning(saveTitle, QStringLiteral("Error save rules to %1").arg(path));
-    bench.save(path);
-    QCOMPARE(bench.report(), QString());
-    QVERIFY(!QFileInfo(path).isSymLink()); // the link is gone, the device stays
-    QVERIFY(QFile::exists("/dev/full"));
-}
-
-// Nobody reads it, and nobody will.
-void TestRuleFiles::saveToAPipe()
-{
-    Bench bench;
-    const QString path = bench.path("rules.vrr");
-    makeNoFile(NoFile::Pipe, path);
-    bench.expectReplaceQuestion("rules.vrr");
-    bench.expectWarning(saveTitle, QStringLiteral("Error open file %1").arg(path));
-    bench.save(path);
-    QCOMPARE(bench.report(), QString());
-    QVERIFY(QFile::exists(path));
-}
-
-void TestRuleFiles::fullFileSystem()
-{
-#ifdef Q_OS_LINUX
-    Bench bench;
-    const QString mountPoint = bench.path("disk");
-    QVERIFY(QDir().mkdir(mountPoint));
-    if (::mount("none", qPrintable(mountPoint), "tmpfs", 0, "size=16k") != 0)
-        QSKIP("needs the right to mount a file system");
-    const auto unmount = qScopeGuard([&] { ::umount2(qPrintable(mountPoint), MNT_DETACH); });
-
-    QFile filler(mountPoint + "/filler");
-    QVERIFY(filler.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
-    while (filler.write(QByteArray(512, 'x')) > 0) { }
-    filler.close();
-
-    const QString path = mountPoint + "/rules.vrr";
-    bench.expectWarning(saveTitle, QStringLiteral("Error save rules to %1").arg(path));
-    bench.save(path);
-    QCOMPARE(bench.report(), QString());
-    QVERIFY(!QFile::exists(path));
-
-    QVERIFY(filler.remove());
-    bench.save(path);
-    QCOMPARE(bench.report(), QString());
-    QCOMPARE(contentOf(path), dataFile("rules-default.vrr"));
-#else
-    QSKIP("needs a file system in memory");
-#endif
-}
-
-void TestRuleFiles::whatWasDownloadedIsSaved()
-{
-    Bench bench;
-    QVERIFY(bench.connectToRouter());
-    bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
-    bench.router.unplug();
-    QTRY_VERIFY_WITH_TIMEOUT(!bench.window.isConnected(), 10000);
-    bench.save(bench.path("rules.vrr"));
-    QCOMPARE(bench.report(), QString());
-    QVERIFY(bench.window.routerModel() != RouterModel());
-    QCOMPARE(contentOf(bench.path("rules.vrr")), written(bench.window.routerModel()));
 }
 
 void TestRuleFiles::loads_data()
@@ -502,11 +146,11 @@ void TestRuleFiles::loadFails_data()
     QTest::newRow("other magic") << "VRS" + good.mid(3);
     QTest::newRow("magic alone") << good.left(3);
     QTest::newRow("torn in a channel") << good.left(200);
-    QTest::newRow("torn in a speed") << good.left(speedOffset + 2);
-    QTest::newRow("torn in the mask of the sentence names") << good.left(inputNamesOffset - 38);
-    QTest::newRow("torn in the last sentence name") << good.left(inputNamesOffset - 1);
+    QTest::newRow("torn in a speed") << good.left(MagicSize + SpeedOffset + 2);
+    QTest::newRow("torn in the mask of the sentence names") << good.left(InputNamesOffset - 38);
+    QTest::newRow("torn in the last sentence name") << good.left(InputNamesOffset - 1);
     QTest::newRow("a sentence name with a 0")
-        << good.left(inputNamesOffset - 1) + '\0' + good.mid(inputNamesOffset);
+        << good.left(InputNamesOffset - 1) + '\0' + good.mid(InputNamesOffset);
 }
 
 void TestRuleFiles::loadFails()
@@ -525,7 +169,7 @@ void TestRuleFiles::failedLoadShowsOnlySpeeds()
 {
     Bench bench;
     const QByteArray rich = dataFile("rules-rich.vrr");
-    const QByteArray torn = rich.left(channelsOffset + 2 * portSize + 1 + 5 * channelSize);
+    const QByteArray torn = rich.left(MagicSize + 2 * PortSize + 1 + 5 * ChannelSize);
     bench.expectWarning(loadTitle,
                         QStringLiteral("Error load rules from %1").arg(bench.path("rules.vrr")));
     bench.loadBytes(torn);
@@ -622,7 +266,7 @@ void TestRuleFiles::failedLoadWhileConnected()
     bench.router.clearTranscript();
     bench.expectWarning(loadTitle,
                         QStringLiteral("Error load rules from %1").arg(bench.path("rules.vrr")));
-    bench.loadBytes(dataFile("rules-rich.vrr").left(channelsOffset + portSize + 10));
+    bench.loadBytes(dataFile("rules-rich.vrr").left(MagicSize + PortSize + 10));
     QCOMPARE(bench.report(), QString());
     bench.matrix->channelButton(4)->click();
     QTRY_VERIFY(bench.heard().contains("$VRVVW,4\r\n"));
@@ -653,7 +297,7 @@ void TestRuleFiles::loadWhileNotConnected()
     for (const QByteArray &line : heard.mid(heard.size() - 81, 80))
         upload += line;
     QCOMPARE(upload, dataFile("upload-rich.txt"));
-    bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    bench.boxes.expect(WindowBench::timeoutBox());
     QTRY_VERIFY_WITH_TIMEOUT(!bench.window.isConnected(), 10000);
     QCOMPARE(bench.report(), QString());
 }
@@ -662,7 +306,7 @@ void TestRuleFiles::linkDiesUnderTheDialog()
 {
     Bench bench;
     QVERIFY(bench.connectToRouter());
-    bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    bench.boxes.expect(WindowBench::timeoutBox());
     makeFile(bench.path("rules.vrr"), dataFile("rules-rich.vrr"));
     auto dialog = bench.loadDialog(bench.path("rules.vrr"));
     dialog.whileOpen = [&bench] {
@@ -684,7 +328,7 @@ void TestRuleFiles::linkDiesUnderTheBox()
     bench.boxes
         .expect({QStringLiteral("TK-7 Router"), QStringLiteral("Load rules complete"),
                  QMessageBox::Information, QMessageBox::Ok, QMessageBox::NoButton})
-        .expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+        .expect(WindowBench::timeoutBox());
     QTimer::singleShot(0, &bench.window, [&] { bench.router.unplug(); });
     QString lastBox;
     QTimer close;
@@ -745,13 +389,13 @@ void TestRuleFiles::foreignInputs()
 
     // The label of port 4 into the cell that the file left with a foreign number, and home again.
     bench.window.resize(853, 1000); // the screen is too low for the whole matrix
-    QVERIFY(drag(bench.matrix->homes[4], bench.matrix->main[0]));
+    QVERIFY(drag(bench.matrix->homes[4], bench.matrix->main[0]).accepted);
     ChannelRecord expected = both;
     expected.main_input = 4;
     QVERIFY(bench.window.routerModel().output_ports[0].channels[0] == expected);
     QCOMPARE(bench.matrix->row(0), rowOf(expected));
     QCOMPARE(bench.matrix->placeOf(4), 16);
-    QVERIFY(drag(bench.matrix->main[0], bench.matrix->homes[7]));
+    QVERIFY(drag(bench.matrix->main[0], bench.matrix->homes[7]).accepted);
     expected = ChannelRecord();
     expected.reserve_input = quint8(number);
     QVERIFY(bench.window.routerModel().output_ports[0].channels[0] == expected);
@@ -764,7 +408,7 @@ void TestRuleFiles::foreignInputs()
         channel.main_input = channel.reserve_input = quint8(number);
     bench.expectWarning(loadTitle,
                         QStringLiteral("Error load rules from %1").arg(bench.path("rules.vrr")));
-    bench.loadBytes(written(torn).left(portSize));
+    bench.loadBytes(written(torn).left(PortSize));
     QCOMPARE(bench.report(), QString());
     const auto drop = [&bench](DragFrame *from, DragFrame *to) {
         bench.window.slotPressEvent(from);

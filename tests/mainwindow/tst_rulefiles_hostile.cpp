@@ -6,6 +6,8 @@
 
 // Files that are no rule files any more, through the window, each by a file dialog and a box.
 
+using namespace RuleFileBytes;
+
 namespace {
 
 /*! Loads \a bytes, expecting the box that is due, and looks at what holds whatever they are. */

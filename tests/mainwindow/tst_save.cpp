@@ -224,8 +224,7 @@ void tst_save::linkDiesWhileWaiting()
 {
     WindowBench bench;
     QVERIFY(bench.connectToRouter());
-    bench.boxes.expect(question())
-        .expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    bench.boxes.expect(question()).expect(WindowBench::timeoutBox());
     bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
     QVERIFY(::waitDialog(bench));
     bench.router.unplug();
@@ -242,8 +241,7 @@ void tst_save::linkDiesUnderTheQuestion()
 {
     WindowBench bench;
     QVERIFY(bench.connectToRouter());
-    bench.boxes.expect(question(QMessageBox::NoButton))
-        .expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    bench.boxes.expect(question(QMessageBox::NoButton)).expect(WindowBench::timeoutBox());
     QTimer::singleShot(0, &bench.window, [&] { bench.router.unplug(); });
     bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
     QCOMPARE(bench.boxes.answered(), 3);
@@ -256,8 +254,7 @@ void tst_save::busyWhileWaiting()
 {
     WindowBench bench;
     QVERIFY(bench.connectToRouter());
-    bench.boxes.expect(question())
-        .expect(WindowBench::linkBox(QStringLiteral("TK-7 Router Busy another Control programm")));
+    bench.boxes.expect(question()).expect(WindowBench::busyBox());
     bench.find<QPushButton>("pushButton_SaveEEPROM")->click();
     bench.router.sendLine("$VRCNB\r\n");
     QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.answered() == 3, 10000);
@@ -301,7 +298,7 @@ void tst_save::waitStays()
         bench.boxes.expect(completed());
         bench.router.sendLine("$VRSRO\r\n");
     } else {
-        bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+        bench.boxes.expect(WindowBench::timeoutBox());
         bench.router.unplug();
     }
     QTRY_VERIFY_WITH_TIMEOUT(!dialog, 10000);
@@ -420,11 +417,8 @@ void tst_save::waitDialogGoesBeforeTheBox_data()
     QTest::addColumn<BoxAnswer::Box>("box");
     QTest::newRow("saved") << QByteArray("$VRSRO\r\n") << completed();
     QTest::newRow("not saved") << QByteArray("$VRSRE\r\n") << failed();
-    QTest::newRow("busy") << QByteArray("$VRCNB\r\n")
-                          << WindowBench::linkBox(
-                                 QStringLiteral("TK-7 Router Busy another Control programm"));
-    QTest::newRow("time-out") << QByteArray()
-                              << WindowBench::linkBox(QStringLiteral("Connection timeout"));
+    QTest::newRow("busy") << QByteArray("$VRCNB\r\n") << WindowBench::busyBox();
+    QTest::newRow("time-out") << QByteArray() << WindowBench::timeoutBox();
 }
 
 // It would lie above the box, and is modal.

@@ -1,4 +1,5 @@
 #include "firmwarebench.h"
+#include "windowbench.h"
 
 #include "link/nmeaserialport.h"
 #include "service/enterpassworddlg.h"
@@ -161,7 +162,7 @@ private:
 
 BoxAnswer::Box connectionTimeout()
 {
-    return {QStringLiteral("COM Port"), QStringLiteral("Connection timeout"), QMessageBox::Warning};
+    return WindowBench::timeoutBox();
 }
 
 void verifyAllIsClosed(const FirmwareBench &bench)

@@ -256,7 +256,7 @@ void tst_smart::aisOfAnEarlierConnection()
     alone.findChild<QPushButton *>(QStringLiteral("pushButton_output_port_0"))->click();
     alone.slotConnectEstablish(0);
     alone.slotVRVersion(4, 0);
-    m_connected->bench.boxes.expect(WindowBench::linkBox(QStringLiteral("Connection timeout")));
+    m_connected->bench.boxes.expect(WindowBench::timeoutBox());
     alone.slotTimeOutConnectPort();
     alone.slotConnectEstablish(0);
     auto *smart = alone.findChild<QPushButton *>(QStringLiteral("pushButton_channel_2_smart"));

@@ -1,9 +1,9 @@
 #include "windowbench.h"
 
 #include <QComboBox>
+#include <QIcon>
 #include <QLabel>
 #include <QProgressDialog>
-#include <QPushButton>
 
 WindowBench::WindowBench()
 {
@@ -44,6 +44,22 @@ BoxAnswer::Box WindowBench::downloadBox()
 BoxAnswer::Box WindowBench::linkBox(const QString &text)
 {
     return {QStringLiteral("COM Port"), text, QMessageBox::Warning};
+}
+
+BoxAnswer::Box WindowBench::timeoutBox()
+{
+    return linkBox(QStringLiteral("Connection timeout"));
+}
+
+BoxAnswer::Box WindowBench::busyBox()
+{
+    return linkBox(QStringLiteral("TK-7 Router Busy another Control programm"));
+}
+
+bool WindowBench::isSameIcon(const QPushButton *button, const QString &path)
+{
+    const QSize size(24, 24);
+    return button->icon().pixmap(size).toImage() == QIcon(path).pixmap(size).toImage();
 }
 
 QList<QByteArray> WindowBench::heard() const

@@ -4,6 +4,7 @@
 #include "simulator/router/routersimulator.h"
 #include "support/boxanswer.h"
 
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -45,6 +46,13 @@ public:
 
     /*! A warning of the link, titled "COM Port". */
     static BoxAnswer::Box linkBox(const QString &text);
+    /*! The one that ends a connection of which nothing is heard any more. */
+    static BoxAnswer::Box timeoutBox();
+    /*! The one that ends a connection which another program has taken. */
+    static BoxAnswer::Box busyBox();
+
+    /*! Whether \a button shows the picture \a path. */
+    static bool isSameIcon(const QPushButton *button, const QString &path);
 
     /*! The lines that the router has heard since the last clearTranscript(), without watch queries.
      */
