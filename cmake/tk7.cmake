@@ -32,12 +32,21 @@ if(UNIX)
     execute_process(COMMAND chmod 700 ${TK7_TEST_RUNTIME})
 endif()
 
-# tk7_add_test(NAME sources... LINK libs... TIMEOUT seconds LABELS labels...): one QtTest program.
-# The limit is for a hanging one on a crowded machine; by itself no test needs more than a minute.
+# The places that a test takes which computes all the time: those of a processor, which script/test
+# gives to as many tests that wait. The sanitizers let all of them compute.
+set(TK7_BUSY_PLACES 5)
+if(TK7_SANITIZE)
+    set(TK7_BUSY_PLACES 2)
+endif()
+
+# tk7_add_test(NAME sources... LINK libs... TIMEOUT seconds COST seconds LABELS labels...): one QtTest
+# program. The limit is for a hanging one on a crowded machine; by itself no test needs more than a
+# minute. The cost is about the time that it takes, if that is long: the longest start first, so that
+# none of them is left alone in the end.
 # With APART each of its functions is a test of its own, so that they run side by side: those that
-# the first source declares, one a line.
+# the first source declares, one a line. BUSY is a test that computes all the time.
 function(tk7_add_test name)
-    cmake_parse_arguments(arg "RUN_SERIAL;APART" "TIMEOUT" "LINK;LABELS" ${ARGN})
+    cmake_parse_arguments(arg "APART;BUSY" "TIMEOUT;COST" "LINK;LABELS" ${ARGN})
     add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
     target_link_libraries(${name} PRIVATE ${arg_LINK} Qt5::Test tk7_options)
     if(TK7_SANITIZE)
@@ -66,7 +75,10 @@ function(tk7_add_test name)
         TIMEOUT ${arg_TIMEOUT}
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_FONT_DPI=96;XDG_RUNTIME_DIR=${TK7_TEST_RUNTIME}"
         LABELS "${arg_LABELS}")
-    if(arg_RUN_SERIAL)
-        set_tests_properties(${tests} PROPERTIES RUN_SERIAL ON)
+    if(arg_COST)
+        set_tests_properties(${tests} PROPERTIES COST ${arg_COST})
+    endif()
+    if(arg_BUSY)
+        set_tests_properties(${tests} PROPERTIES PROCESSORS ${TK7_BUSY_PLACES})
     endif()
 endfunction()

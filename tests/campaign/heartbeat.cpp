@@ -67,11 +67,17 @@ Heartbeat::Account Heartbeat::readAccount() const
     return {double(running) * nanosecond, double(waiting) * nanosecond};
 }
 
+// When the machine goes on, the tool's thread may be the first to run.
+double Heartbeat::delayOf(const Sleeper &sleeper)
+{
+    return std::max<double>(sleeper.late, now() - sleeper.due);
+}
+
 double Heartbeat::longestDelay() const
 {
     double longest = 0;
     for (const Sleeper &sleeper : m_sleepers)
-        longest = std::max(longest, sleeper.late - sleeper.lateAtLast);
+        longest = std::max(longest, delayOf(sleeper) - sleeper.lateAtLast);
     return longest;
 }
 
@@ -79,7 +85,7 @@ void Heartbeat::restart()
 {
     m_account = readAccount();
     for (Sleeper &sleeper : m_sleepers)
-        sleeper.lateAtLast = sleeper.late;
+        sleeper.lateAtLast = delayOf(sleeper);
     m_last = now();
     m_alive = m_last;
 }
@@ -130,10 +136,12 @@ void Heartbeat::sleepOn(int processor, Sleeper &sleeper)
     CPU_ZERO(&only);
     CPU_SET(processor, &only);
     ::sched_setaffinity(0, sizeof only, &only);
+    sleeper.due = now() + sleepTime;
     while (!m_isOver) {
-        const double before = now();
         std::this_thread::sleep_for(std::chrono::duration<double>(sleepTime));
-        sleeper.late = sleeper.late + std::max(0.0, now() - before - sleepTime);
+        const double late = delayOf(sleeper);
+        sleeper.due = sleeper.due + sleepTime;
+        sleeper.late = late;
         checkHang();
     }
 }

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <deque>
+#include <limits>
 #include <thread>
 
 /*!
@@ -45,8 +46,10 @@ private:
     /*! A thread that only sleeps and wakes on one processor. */
     struct Sleeper
     {
-        std::atomic<double> late{0}; //!< seconds in all
-        double lateAtLast = 0;       //!< when the tool's thread last beat
+        std::atomic<double> late{0}; //!< seconds in all, until it woke last
+        /*! When it is to wake, less that. */
+        std::atomic<double> due{std::numeric_limits<double>::infinity()};
+        double lateAtLast = 0; //!< when the tool's thread last beat
         std::thread thread;
     };
 
@@ -61,6 +64,8 @@ private:
     void restart();
     void sleepOn(int processor, Sleeper &sleeper);
     void checkHang();
+    /*! Until now, also of one that hasn't woken yet. */
+    static double delayOf(const Sleeper &sleeper);
     double longestDelay() const;
     Account readAccount() const;
     static double now();

@@ -5,6 +5,8 @@
 #include <QListWidget>
 #include <QPushButton>
 
+#include <ctime>
+
 /*! The monitor in the status panel: its list, its buttons, the count of bad checksums. */
 class tst_monitor : public QObject
 {
@@ -360,7 +362,8 @@ void tst_monitor::labelOfTheCountHidesAgain()
     QCOMPARE(count->styleSheet(), QStringLiteral("QLabel{color: default}"));
 }
 
-// The line is saturated: the window is served all the while, and the list stays short.
+// The line is saturated: that leaves the window most of its time, and the list stays short. The
+// time is the processor's, since a busy machine gives the window little of any other.
 void tst_monitor::floodIsHarmless()
 {
     WindowBench bench;
@@ -373,17 +376,14 @@ void tst_monitor::floodIsHarmless()
     for (int i = 0; i < 3; ++i)
         bench.router.sendLine(second);
 
-    int beats = 0;
-    QTimer heart;
-    connect(&heart, &QTimer::timeout, &heart, [&beats] { ++beats; });
-    heart.start(20);
+    const std::clock_t before = std::clock();
     QElapsedTimer clock;
     clock.start();
     int longest = 0;
     QTRY_VERIFY_WITH_TIMEOUT(
         (longest = qMax(longest, list(bench)->count())) >= 0 && clock.elapsed() > 3000, 6000);
-    // Half of the beats that an idle machine would give.
-    QVERIFY2(beats > 75, qPrintable(QString::number(beats)));
+    const double seconds = double(std::clock() - before) / CLOCKS_PER_SEC;
+    QVERIFY2(seconds < 1.5, qPrintable(QString::number(seconds)));
     QVERIFY(longest <= 100);
     QVERIFY(list(bench)->count() > 50);
     QVERIFY(bench.window.isConnected());

@@ -191,6 +191,7 @@ private:
     AisWatch m_ais;
     Tool m_tool;
     int m_output = 0;             // the output port that the window shows
+    qint64 m_saveAccepted = 0;    // by the router's clock
     XDesktop::Window m_box;       // the open message box or dialog
     XDesktop::Window m_editor;    // the filter editor below it
     XDesktop::Window m_service;   // the service dialog
