@@ -77,6 +77,8 @@ void Campaign::tick()
     QTimer::singleShot(m_options.pace, this, &Campaign::tick);
     m_heartbeat.beginWork();
     m_state = m_router.state();
+    // What the step opens has an event loop of its own, whose first beat must not count this wait.
+    m_heartbeat.endWork();
     m_dice.startStep(m_options.seed, ++m_tick);
     watchLink();
     giveFocus();
