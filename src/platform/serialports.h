@@ -6,7 +6,6 @@
 #include <functional>
 
 QT_BEGIN_NAMESPACE
-class QDir;
 class QSerialPort;
 QT_END_NAMESPACE
 
@@ -19,14 +18,6 @@ namespace platform {
  * Elsewhere the pseudo-terminals follow that this user's simulated routers have published.
  */
 QStringList serialPortNames();
-
-#ifdef Q_OS_LINUX
-/*!
- * The names of the serial ports among the terminals that the kernel lists in the folder
- * \a terminals, /sys/class/tty: what QSerialPortInfo finds there, in the same order.
- */
-QStringList kernelPortNames(const QDir &terminals);
-#endif
 
 /*!
  * Answers for the system's own enumeration from now on, for tests; an empty function asks the

@@ -3,19 +3,13 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QMap>
 #include <QSerialPort>
 #include <QSerialPortInfo>
 #include <QStandardPaths>
 
 #include <utility>
 
-#include <fcntl.h>
-#ifdef Q_OS_LINUX
-#include <linux/serial.h>
-#endif
 #include <poll.h>
-#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
@@ -30,46 +24,10 @@ std::function<QStringList()> &systemPortSource()
     return function;
 }
 
-#ifdef Q_OS_LINUX
-// PCs have up to 32 ports of this driver, most of them without a chip behind.
-bool hasChip(const QString &name)
-{
-    const QByteArray device = QFile::encodeName(QStringLiteral("/dev/") + name);
-    const int file = ::open(device.constData(), O_RDWR | O_NONBLOCK | O_NOCTTY);
-    if (file < 0)
-        return false;
-    serial_struct info = {};
-    const bool isKnown = ::ioctl(file, TIOCGSERIAL, &info) == 0 && info.type != PORT_UNKNOWN;
-    ::close(file);
-    return isKnown;
-}
-
-// Of Bluetooth, of a null modem made of software, of a computer that is a USB device itself.
-bool isPortWithoutDevice(const QString &name)
-{
-    return name.startsWith(QLatin1String("rfcomm")) || name.startsWith(QLatin1String("tnt"))
-        || name.startsWith(QLatin1String("ttyGS"));
-}
-
-bool isPort(const QDir &terminals, const QString &name)
-{
-    const QString device = terminals.filePath(name + QStringLiteral("/device"));
-    if (!QFileInfo::exists(device))
-        return isPortWithoutDevice(name);
-    const QString driver = QFileInfo(device + QStringLiteral("/driver")).symLinkTarget();
-    return !driver.endsWith(QLatin1String("/serial8250")) || hasChip(name);
-}
-#endif
-
 QStringList systemPortNames()
 {
     if (systemPortSource())
         return systemPortSource()();
-#ifdef Q_OS_LINUX
-    const QDir terminals(QStringLiteral("/sys/class/tty"));
-    if (terminals.exists())
-        return kernelPortNames(terminals);
-#endif
     QStringList names;
     const QList<QSerialPortInfo> ports = QSerialPortInfo::availablePorts();
     for (const QSerialPortInfo &port : ports)
@@ -101,23 +59,6 @@ QString pseudoTerminalBehind(const QString &link)
 }
 
 } // namespace
-
-#ifdef Q_OS_LINUX
-// QSerialPortInfo has udev look into every console of the system, which takes longer than to make
-// the window.
-QStringList kernelPortNames(const QDir &terminals)
-{
-    QMap<QString, QString> namesByPlace;
-    const QStringList names = terminals.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    for (const QString &name : names) {
-        if (isPort(terminals, name))
-            namesByPlace.insert(QFileInfo(terminals.filePath(name)).canonicalFilePath(), name);
-    }
-    QStringList ports = namesByPlace.values();
-    ports.replaceInStrings(QStringLiteral("!"), QStringLiteral("/")); // as the kernel has it
-    return ports;
-}
-#endif
 
 QString publishedPortsFolder()
 {

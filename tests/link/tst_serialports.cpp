@@ -23,8 +23,6 @@ private slots:
     void cleanup();
 
     void systemPortsComeFirst();
-    void kernelTerminals_data();
-    void kernelTerminals();
     void noSystemPort();
     void twoPortsOfOneName();
     void folderLiesInRuntimeLocation();
@@ -103,50 +101,6 @@ void tst_SerialPorts::systemPortsComeFirst()
 {
     symlinkTo(m_pty->slavePath(), path("A"));
     QCOMPARE(platform::serialPortNames(), m_systemPorts + QStringList{"A"});
-}
-
-// A folder as /sys/class/tty, with a link for each terminal to its place among the devices.
-void tst_SerialPorts::kernelTerminals_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("driver"); // empty: no device behind the terminal
-    QTest::addColumn<QStringList>("listed");
-
-    QTest::newRow("USB adapter") << "ttyUSB0"
-                                 << "usb-serial" << QStringList{"ttyUSB0"};
-    QTest::newRow("device without driver") << "ttyX0"
-                                           << "-" << QStringList{"ttyX0"};
-    QTest::newRow("name with a slash") << "cty!ttyE0"
-                                       << "cty" << QStringList{"cty/ttyE0"};
-    QTest::newRow("8250 without a chip") << "ttyS777"
-                                         << "serial8250" << QStringList();
-    QTest::newRow("console") << "tty1" << QString() << QStringList();
-    QTest::newRow("Bluetooth") << "rfcomm0" << QString() << QStringList{"rfcomm0"};
-    QTest::newRow("null modem") << "tnt0" << QString() << QStringList{"tnt0"};
-    QTest::newRow("USB gadget") << "ttyGS0" << QString() << QStringList{"ttyGS0"};
-}
-
-void tst_SerialPorts::kernelTerminals()
-{
-    QFETCH(QString, name);
-    QFETCH(QString, driver);
-    QFETCH(QStringList, listed);
-
-    const QDir root(m_runtime->path());
-    QVERIFY(root.mkpath("class") && root.mkpath("devices/b/" + name)
-            && root.mkpath("devices/a/tty0") && root.mkpath("parent")
-            && root.mkpath("drivers/" + driver));
-    symlinkTo(root.filePath("devices/b/" + name), root.filePath("class/" + name));
-    if (!driver.isEmpty()) {
-        symlinkTo(root.filePath("parent"), root.filePath("devices/b/" + name + "/device"));
-        if (driver != "-")
-            symlinkTo(root.filePath("drivers/" + driver), root.filePath("parent/driver"));
-    }
-    QCOMPARE(platform::kernelPortNames(QDir(root.filePath("class"))), listed);
-
-    // In the order of the places, not of the names.
-    symlinkTo(root.filePath("devices/a/tty0"), root.filePath("class/tnt9"));
-    QCOMPARE(platform::kernelPortNames(QDir(root.filePath("class"))), QStringList{"tnt9"} + listed);
 }
 
 void tst_SerialPorts::noSystemPort()
