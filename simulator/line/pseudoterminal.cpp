@@ -23,7 +23,10 @@ namespace {
 constexpr int readSize = 4096;
 constexpr int maxReads = 16; // in one turn, so that a flood doesn't starve the event loop
 constexpr int pathSize = 256;
-constexpr int closingTime = 20; // ms from a line's former speed to the end of its port
+// While nobody has the terminal. A program that ends sets what it has found and closes the port,
+// while its last bytes may wait to be read; as no program works at this speed, it says that one is
+// leaving.
+constexpr speed_t idleSpeed = B50;
 
 QString systemError()
 {
@@ -102,7 +105,8 @@ int PseudoTerminal::lineSpeed() const
     if (m_master < 0 || ::tcgetattr(m_master, &settings) != 0) {
         return 0;
     }
-    return baudOfTermios(::cfgetospeed(&settings));
+    const speed_t speed = ::cfgetospeed(&settings);
+    return speed == idleSpeed ? m_lastSpeed : baudOfTermios(speed);
 }
 
 int PseudoTerminal::write(const QByteArray &bytes)
@@ -117,10 +121,7 @@ int PseudoTerminal::write(const QByteArray &bytes)
 
 PseudoTerminal::HangUp PseudoTerminal::readAvailable()
 {
-    const bool hasGone = m_attached && (lineSpeed() != m_lastSpeed ? hangsUpNow() : isHungUp());
-    const int speed = hasGone ? m_lastSpeed : lineSpeed();
-    m_lastSpeed = speed;
-
+    m_lastSpeed = lineSpeed();
     QByteArray bytes;
     std::array<char, readSize> chunk{};
     HangUp result = HangUp::No;
@@ -134,7 +135,7 @@ PseudoTerminal::HangUp PseudoTerminal::readAvailable()
         bytes.append(chunk.data(), static_cast<int>(count));
     }
     if (!bytes.isEmpty()) {
-        emit bytesReceived(bytes, speed);
+        emit bytesReceived(bytes, m_lastSpeed);
     }
     return result;
 }
@@ -181,7 +182,7 @@ void PseudoTerminal::detach()
     }
 }
 
-// Raw mode, nothing unread: as the next program should find it.
+// Raw mode, the idle speed, nothing unread: as the next program should find it.
 bool PseudoTerminal::resetOtherSide()
 {
     const int fd = ::open(QFile::encodeName(m_deviceName).constData(),
@@ -192,6 +193,7 @@ bool PseudoTerminal::resetOtherSide()
     termios settings{};
     bool ok = ::tcgetattr(fd, &settings) == 0;
     ::cfmakeraw(&settings);
+    ::cfsetspeed(&settings, idleSpeed);
     settings.c_cflag |= CLOCAL | CREAD;
     ok = ok && ::tcsetattr(fd, TCSANOW, &settings) == 0;
     ::tcflush(fd, TCIFLUSH);
@@ -210,14 +212,6 @@ bool PseudoTerminal::isHungUp(bool *readable) const
         *readable = (state.revents & POLLIN) != 0;
     }
     return (state.revents & POLLHUP) != 0;
-}
-
-// A program that ends sets the line's former speed just before it closes the port. What it had said
-// until then was said at the last one.
-bool PseudoTerminal::hangsUpNow() const
-{
-    pollfd state{m_master, 0, 0};
-    return ::poll(&state, 1, closingTime) != 0;
 }
 
 } // namespace tk7sim

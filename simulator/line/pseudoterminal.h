@@ -38,7 +38,8 @@ public:
 
     //! Somebody has the other side open.
     bool isAttached() const { return m_attached; }
-    //! The speed to which the terminal is set; 0 if closed or none of the router's speeds.
+    //! The speed that a program has set, also when it has gone; 0 if closed or none of the router's
+    //! speeds.
     int lineSpeed() const;
     //! Writes what fits; the number of bytes taken, 0 while nobody is attached.
     int write(const QByteArray &bytes);
@@ -46,7 +47,7 @@ public:
 signals:
     /*!
      * \a bytes came while the terminal was set to \a lineSpeed. Closing a port puts old settings
-     * back, so what its last user left behind is reported with the speed seen last before that.
+     * back, which counts as no speed: last words are reported with the speed seen before that.
      */
     void bytesReceived(const QByteArray &bytes, int lineSpeed);
     void attachedChanged(bool attached);
@@ -64,7 +65,6 @@ private:
     void detach();
     bool resetOtherSide();
     bool isHungUp(bool *readable = nullptr) const;
-    bool hangsUpNow() const;
 
     int m_master = -1;
     QString m_deviceName;

@@ -37,6 +37,9 @@ bool TerminalClient::open(const QString &device, ReadMode mode)
     close();
     m_hungUp = false;
     m_fd = ::open(QFile::encodeName(device).constData(), O_RDWR | O_NOCTTY | O_NONBLOCK);
+    if (m_fd >= 0) {
+        ::tcgetattr(m_fd, &m_found);
+    }
     if (m_fd >= 0 && mode == ReadMode::Collect) {
         m_notifier = std::make_unique<QSocketNotifier>(m_fd, QSocketNotifier::Read);
         connect(m_notifier.get(), &QSocketNotifier::activated, this, &TerminalClient::slotReadable);
@@ -58,6 +61,11 @@ bool TerminalClient::setSpeed(int baud)
     termios settings{};
     return ::tcgetattr(m_fd, &settings) == 0 && ::cfsetspeed(&settings, speedConstant(baud)) == 0
         && ::tcsetattr(m_fd, TCSANOW, &settings) == 0;
+}
+
+bool TerminalClient::restoreSettings()
+{
+    return ::tcsetattr(m_fd, TCSANOW, &m_found) == 0;
 }
 
 bool TerminalClient::write(const QByteArray &bytes)

@@ -7,6 +7,8 @@
 
 #include <memory>
 
+#include <termios.h>
+
 class QSocketNotifier;
 
 /*! The tool's end of a terminal, by system calls alone. Collects what it hears. */
@@ -27,6 +29,9 @@ public:
     void close();
     //! Sets both directions to \a baud, one of the seven speeds.
     bool setSpeed(int baud);
+    //! Puts back what was set when the terminal was opened, as serial port libraries do at their
+    //! end.
+    bool restoreSettings();
     //! True if all of \a bytes were taken.
     bool write(const QByteArray &bytes);
 
@@ -45,6 +50,7 @@ private:
     void slotReadable();
 
     int m_fd = -1;
+    termios m_found{};
     bool m_hungUp = false;
     QByteArray m_received;
     std::unique_ptr<QSocketNotifier> m_notifier;

@@ -296,7 +296,7 @@ void TestSimRouter::lastWordBeforeClosingIsHeard()
 {
     connectTool();
     QVERIFY(m_tool->write("$VRDCN\r\n"));
-    QVERIFY(m_tool->setSpeed(38400));
+    QVERIFY(m_tool->restoreSettings());
     m_tool->close();
     QTRY_VERIFY(!m_router->isConnected());
     QCOMPARE(m_router->counters().garbageBytes, 0U);

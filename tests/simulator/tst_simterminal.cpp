@@ -9,9 +9,6 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <chrono>
-#include <thread>
-
 #include <fcntl.h>
 #include <pwd.h>
 #include <sys/ioctl.h>
@@ -37,8 +34,9 @@ private slots:
     void keepsNothingForNobody();
     void nextUserFindsNothingUnread();
     void readsWhatAVisitorLeft();
+    void lastWordsHaveTheirSpeed_data();
     void lastWordsHaveTheirSpeed();
-    void lastWordsOfASlowProgram();
+    void speedStaysForProgramsThatSetNone();
     void fullBufferTakesNoMore();
     void doesNotSpin_data();
     void doesNotSpin();
@@ -208,50 +206,76 @@ void TestSimTerminal::readsWhatAVisitorLeft()
     QVERIFY(!terminal.isAttached());
 }
 
-// A port that is closed gets its old settings back before its last bytes have been read.
-void TestSimTerminal::lastWordsHaveTheirSpeed()
+// A port that is closed gets its old settings back, on a busy machine long before its last bytes
+// are read, and long before it is closed.
+void TestSimTerminal::lastWordsHaveTheirSpeed_data()
 {
-    PseudoTerminal terminal;
-    QVERIFY(terminal.open());
-    QSignalSpy heard(&terminal, &PseudoTerminal::bytesReceived);
-    TerminalClient client;
-    QVERIFY(client.open(terminal.deviceName()));
-    QVERIFY(client.setSpeed(115200));
-    QVERIFY(client.write("first"));
-    QTRY_COMPARE(heard.count(), 1);
-    QVERIFY(client.write("last"));
-    QVERIFY(client.setSpeed(4800));
-    client.close();
-    QTRY_COMPARE(heard.count(), 2);
-    QCOMPARE(heard.at(1).at(0).toByteArray(), QByteArray("last"));
-    QCOMPARE(heard.at(1).at(1).toInt(), 115200);
+    QTest::addColumn<int>("formerSpeed");
+    QTest::addColumn<bool>("isOpenStill");
+    QTest::addColumn<bool>("isSpokenTo");
+    QTest::newRow("closed") << 0 << false << false;
+    QTest::newRow("open still") << 0 << true << false;
+    QTest::newRow("spoken to, closed") << 0 << false << true;
+    QTest::newRow("spoken to, open still") << 0 << true << true;
+    QTest::newRow("former program was killed") << 9600 << true << true;
 }
 
-// The same on a busy machine: the terminal is read when the settings are old, and the port not
-// closed.
-void TestSimTerminal::lastWordsOfASlowProgram()
+void TestSimTerminal::lastWordsHaveTheirSpeed()
 {
-    static constexpr auto slowness = std::chrono::milliseconds(5);
+    QFETCH(int, formerSpeed);
+    QFETCH(bool, isOpenStill);
+    QFETCH(bool, isSpokenTo);
     PseudoTerminal terminal;
     QVERIFY(terminal.open());
     QSignalSpy heard(&terminal, &PseudoTerminal::bytesReceived);
     TerminalClient client;
+    if (formerSpeed != 0) {
+        QVERIFY(client.open(terminal.deviceName()));
+        QVERIFY(client.setSpeed(formerSpeed));
+        QTRY_VERIFY(terminal.isAttached());
+        client.close();
+        QTRY_VERIFY(!terminal.isAttached());
+    }
     QVERIFY(client.open(terminal.deviceName()));
     QVERIFY(client.setSpeed(115200));
     QVERIFY(client.write("first"));
     QTRY_COMPARE(heard.count(), 1);
     QVERIFY(client.write("last"));
-    QVERIFY(client.setSpeed(4800));
+    QVERIFY(client.restoreSettings());
     const int port = ::dup(client.descriptor());
     client.close();
-    std::thread program([port] {
-        std::this_thread::sleep_for(slowness);
+    if (!isOpenStill) {
         ::close(port);
-    });
+    }
+    if (isSpokenTo) {
+        terminal.write("traffic");
+    }
     QTRY_COMPARE(heard.count(), 2);
-    program.join();
     QCOMPARE(heard.at(1).at(0).toByteArray(), QByteArray("last"));
     QCOMPARE(heard.at(1).at(1).toInt(), 115200);
+    if (isOpenStill) {
+        ::close(port);
+    }
+}
+
+// As on a serial port, whose settings outlast the programs.
+void TestSimTerminal::speedStaysForProgramsThatSetNone()
+{
+    PseudoTerminal terminal;
+    QVERIFY(terminal.open());
+    QSignalSpy heard(&terminal, &PseudoTerminal::bytesReceived);
+    TerminalClient client;
+    QVERIFY(client.open(terminal.deviceName()));
+    QCOMPARE(terminal.lineSpeed(), 0);
+    QVERIFY(client.setSpeed(9600));
+    QTRY_VERIFY(terminal.isAttached());
+    client.close();
+    QTRY_VERIFY(!terminal.isAttached());
+
+    QVERIFY(client.open(terminal.deviceName()));
+    QVERIFY(client.write("x"));
+    QTRY_COMPARE(heard.count(), 1);
+    QCOMPARE(heard.at(0).at(1).toInt(), 9600);
 }
 
 void TestSimTerminal::fullBufferTakesNoMore()
