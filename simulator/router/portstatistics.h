@@ -12,7 +12,8 @@ namespace tk7sim {
 /*!
  * Counts what goes wrong at the ports.
  *
- * It counts when it is asked, everything since it was asked last, or since longestGap before.
+ * It counts when it is asked, everything since it was asked last, or since longestGap before; of AIS
+ * stations that somebody else listens to what they remember.
  */
 class PortStatistics
 {

@@ -9,16 +9,14 @@
 
 using namespace tk7sim;
 
-/*!
- * The exercise of the training with a dead AIS receiver: monitor, counters and AIS test tell the
- * same of it, and a reserve brings its ships back.
- */
-class tst_deadreceiver : public ServiceSimTest
+/*! Exercises of the training, in the real window: what is told there comes about. */
+class tst_training : public ServiceSimTest
 {
     Q_OBJECT
 
 private slots:
-    void find();
+    void deadReceiver();
+    void takenOver();
 
 private:
     QStringList monitor() const;
@@ -42,7 +40,7 @@ constexpr int timeout = 20000;
 
 } // namespace
 
-QStringList tst_deadreceiver::monitor() const
+QStringList tst_training::monitor() const
 {
     const auto *list = m_bench->find<QListWidget>("listWidget");
     QStringList lines;
@@ -51,7 +49,7 @@ QStringList tst_deadreceiver::monitor() const
     return lines;
 }
 
-int tst_deadreceiver::countInMonitor(const char *begin) const
+int tst_training::countInMonitor(const char *begin) const
 {
     const QStringList lines = monitor();
     return int(std::count_if(lines.cbegin(), lines.cend(), [begin](const QString &line) {
@@ -59,7 +57,8 @@ int tst_deadreceiver::countInMonitor(const char *begin) const
     }));
 }
 
-void tst_deadreceiver::find()
+// Monitor, counters and AIS test tell the same of it, and a reserve brings its ships back.
+void tst_training::deadReceiver()
 {
     m_bench->router.setTrafficRate(4);
     m_bench->router.setFault(Fault::InputSilent, dead);
@@ -72,7 +71,7 @@ void tst_deadreceiver::find()
     takeReserve();
 }
 
-void tst_deadreceiver::lookAtMonitor()
+void tst_training::lookAtMonitor()
 {
     QTest::mouseClick(m_matrix->outputButton(ecdis), Qt::LeftButton);
     QTRY_VERIFY_WITH_TIMEOUT(countInMonitor("$GP") > 5 && countInMonitor("$HE") > 5, timeout);
@@ -91,7 +90,7 @@ void tst_deadreceiver::lookAtMonitor()
     QCOMPARE(lines.value(dark + 2), QStringLiteral("---- INPUT PORT 8 ----"));
 }
 
-void tst_deadreceiver::lookAtCounters()
+void tst_training::lookAtCounters()
 {
     QVERIFY(inService([](servicedlg &dialog) {
         const auto *table = dialog.findChild<QTableWidget *>();
@@ -110,7 +109,7 @@ void tst_deadreceiver::lookAtCounters()
     }));
 }
 
-void tst_deadreceiver::lookAtAisTest()
+void tst_training::lookAtAisTest()
 {
     const AisTestUser user([](aistestdlg &dialog) {
         const auto *table = dialog.findChild<QTableWidget *>();
@@ -137,7 +136,7 @@ void tst_deadreceiver::lookAtAisTest()
     QVERIFY(m_bench->router.aisTruth().port(dead).stations.isEmpty());
 }
 
-void tst_deadreceiver::takeReserve()
+void tst_training::takeReserve()
 {
     QTest::mouseClick(m_matrix->outputButton(ecdis), Qt::LeftButton);
     m_bench->window.slotPressEvent(m_matrix->homes[spare]);
@@ -154,5 +153,35 @@ void tst_deadreceiver::takeReserve()
     QTRY_VERIFY_WITH_TIMEOUT(isBack(), timeout);
 }
 
-QTEST_MAIN(tst_deadreceiver)
-#include "tst_deadreceiver.moc"
+// Another program takes the router over: the window keeps the rules, and every other attempt to
+// connect ends in the same way.
+void tst_training::takenOver()
+{
+    const auto box =
+        WindowBench::linkBox(QStringLiteral("TK-7 Router Busy another Control programm"));
+    m_matrix = std::make_unique<MatrixView>(m_bench->window);
+    QVERIFY(connectToRouter());
+    QTest::mouseClick(m_matrix->outputButton(ecdis), Qt::LeftButton);
+    QTest::mouseClick(m_matrix->crsBox(aisChannel), Qt::LeftButton);
+    QTRY_VERIFY(!m_bench->router.working().outputs[ecdis].channels[aisChannel].crsEnabled);
+    const QString row = m_matrix->row(aisChannel);
+
+    m_bench->boxes.expect(box);
+    m_bench->router.setFault(Fault::BusyAfter, 0);
+    QTRY_COMPARE_WITH_TIMEOUT(m_bench->boxes.answered(), 2,
+                              timeout); // the download's, and this one
+    QTRY_VERIFY(!m_bench->window.isConnected());
+    QCOMPARE(m_matrix->row(aisChannel), row);
+    QCOMPARE(m_matrix->placeOf(dead), 16 + aisChannel);
+    QVERIFY(m_bench->find<QPushButton>("pushButton_SaveFile")->isEnabled());
+
+    m_bench->boxes.expect(box);
+    m_bench->selectRouterPort();
+    m_bench->find<QPushButton>("pushButton_connect")->click();
+    QTRY_COMPARE_WITH_TIMEOUT(m_bench->boxes.answered(), 3, timeout);
+    QTRY_VERIFY(!m_bench->window.currentLink());
+    QCOMPARE(m_matrix->row(aisChannel), row);
+}
+
+QTEST_MAIN(tst_training)
+#include "tst_training.moc"
