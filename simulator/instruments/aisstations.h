@@ -25,7 +25,7 @@ namespace tk7sim {
 class AisStations
 {
 public:
-    static constexpr qint64 step = 50; //!< milliseconds from one moment of the world to the next
+    static constexpr qint64 step = 5; //!< milliseconds from one moment of the world to the next
     //! Bytes a second that all vessels together say at most: a line of 115200 baud. Beyond that
     //! each keeps its share and says less.
     static constexpr qint64 mostBytes = 11520;

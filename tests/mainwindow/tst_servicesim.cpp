@@ -73,6 +73,7 @@ void tst_servicesim::statistics()
     WindowBench &bench = *m_bench;
     for (int port = 0; port < 12; ++port)
         bench.router.setPortCounters(port, {});
+    bench.router.setTrafficRate(1);
     bench.router.setFault(Fault::InputErrors, 50);
     QVERIFY(connectToRouter());
     QVERIFY(inService([&](servicedlg &dialog) {

@@ -370,7 +370,7 @@ void TestSimRouter::monitorFillsTheLine_data()
     QTest::addColumn<int>("view");
     QTest::newRow("an input of few words") << 0xF6;
     QTest::newRow("the most talkative input") << 0xF2;
-    QTest::newRow("a channel of an input") << 0x00;
+    QTest::newRow("a channel without a filter") << 0x10;
     QTest::newRow("an output with all its channels") << 0xBF;
 }
 
