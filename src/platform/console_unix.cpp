@@ -67,10 +67,9 @@ StopSignal::StopSignal(QObject *parent) : QObject(parent), d(std::make_unique<Pr
 {
     if (::pipe(pipeEnds) != 0)
         return; // the signals then end the program at once
-    for (const int end : pipeEnds) {
+    // It can't get full: each of the signals is caught once.
+    for (const int end : pipeEnds)
         ::fcntl(end, F_SETFD, FD_CLOEXEC);
-        ::fcntl(end, F_SETFL, O_NONBLOCK);
-    }
     d->notifier = std::make_unique<QSocketNotifier>(pipeEnds[0], QSocketNotifier::Read);
     connect(d->notifier.get(), &QSocketNotifier::activated, this, [this] {
         d->notifier->setEnabled(false);
