@@ -102,10 +102,12 @@ bool TestSimFaults::isSilent()
 
 void TestSimFaults::connectTool()
 {
+    m_tool->clear();
     query();
     QTRY_COMPARE_WITH_TIMEOUT(m_router->speed(), RouterSimulator::fastSpeed, timeout);
     query();
     QTRY_VERIFY_WITH_TIMEOUT(m_router->isConnected(), timeout);
+    QTRY_COMPARE_WITH_TIMEOUT(m_tool->lines().size(), 2, timeout);
     m_tool->clear();
 }
 

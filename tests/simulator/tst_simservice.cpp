@@ -500,6 +500,7 @@ void TestSimService::overTheLine()
     QSignalSpy tests(&router, &RouterSimulator::aisTestChanged);
     QVERIFY(tool.write("$VRCNT\r\n"));
     QTRY_VERIFY(router.isConnected());
+    QTRY_COMPARE(tool.lines().size(), 1);
     tool.clear();
     QByteArray said;
     for (const char *body :
