@@ -25,6 +25,16 @@ function(tk7_add_library name)
     target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE tk7_options)
 endfunction()
 
+# tk7_windows_properties(NAME DESCRIPTION): icon and version in the properties of a program for Windows.
+function(tk7_windows_properties name description)
+    if(NOT WIN32)
+        return()
+    endif()
+    enable_language(RC)
+    configure_file(${PROJECT_SOURCE_DIR}/packaging/windows/program.rc.in ${name}.rc @ONLY)
+    target_sources(${name} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${name}.rc)
+endfunction()
+
 # A runtime folder of the tests' own, as the desktop session has one.
 set(TK7_TEST_RUNTIME ${CMAKE_BINARY_DIR}/test-runtime)
 file(MAKE_DIRECTORY ${TK7_TEST_RUNTIME})

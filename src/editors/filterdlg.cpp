@@ -29,6 +29,8 @@ FilterDlg::FilterDlg(QWidget *parent)
 
     const double factor = ui_scale();
     QTableWidget *table = ui->filterTableWidget;
+    // The style of Windows makes no column as narrow as the design's first one.
+    table->horizontalHeader()->setMinimumSectionSize(1);
     table->setColumnWidth(checkColumn, scaled(checkColumnWidth, factor));
     table->setColumnWidth(nameColumn, scaled(nameColumnWidth, factor));
     table->sortByColumn(nameColumn, Qt::AscendingOrder);

@@ -78,6 +78,9 @@ void DragFrame::startDrag()
     drag->setPixmap(drag_pixmap);
     drag->setHotSpot(press_point - child_position);
     drag->exec(Qt::MoveAction);
+    // On Windows the picture stays in the pointer's place until a window asks for another pointer.
+    window()->setCursor(Qt::ClosedHandCursor);
+    window()->unsetCursor();
 }
 
 void DragFrame::mouseReleaseEvent(QMouseEvent *event)

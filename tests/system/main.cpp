@@ -1,4 +1,5 @@
 #include "stepfailure.h"
+#include "story.h"
 #include "tour.h"
 
 #include <QCommandLineParser>
@@ -18,16 +19,22 @@ int main(int argc, char *argv[])
     const QCommandLineOption output(QStringLiteral("output"),
                                     QStringLiteral("Where the pictures go, one a step."),
                                     QStringLiteral("folder"), QStringLiteral("tour"));
+    const QCommandLineOption wine(
+        QStringLiteral("wine"),
+        QStringLiteral("What runs the tool, a program for Windows. Its ports %1 and %2 must lead "
+                       "to the published terminals of these names.")
+            .arg(Story::windowsPorts.sparePort, Story::windowsPorts.port),
+        QStringLiteral("loader"));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Drives the tool with the mouse and the keyboard of the display, against a simulated "
         "router, and checks every step. Run it on a display of its own."));
     parser.addHelpOption();
-    parser.addOptions({tool, output});
+    parser.addOptions({tool, output, wine});
     parser.process(application);
 
     try {
-        Tour tour({parser.value(tool), parser.value(output)});
+        Tour tour({parser.value(tool), parser.value(output), parser.value(wine)});
         return tour.run() ? EXIT_SUCCESS : EXIT_FAILURE;
     } catch (const StepFailure &failure) {
         std::fprintf(stderr, "tk7-tour: %s\n", qPrintable(failure.text));

@@ -11,9 +11,14 @@ namespace Story {
 
 const QString routerTitle = QStringLiteral("TK-7 Router"); //!< of most boxes
 
-// The two routers on this machine, by their ports, and the one that the tool connects to.
-const QString sparePort = QStringLiteral("router-a");
-const QString port = QStringLiteral("router-b");
+//! The two routers on this machine, by their ports; the tool connects to the second.
+struct Ports
+{
+    QString sparePort;
+    QString port;
+};
+const Ports unixPorts{QStringLiteral("router-a"), QStringLiteral("router-b")};
+const Ports windowsPorts{QStringLiteral("COM9"), QStringLiteral("COM12")};
 //! The fourth of the speeds that the tool tries, so that there is time to see it try.
 constexpr int firstStartSpeed = 38400;
 

@@ -1,16 +1,20 @@
 #include "tablerows.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 
 namespace {
 
-constexpr int gridGray = 199;
+constexpr int gridGrays[] = {199, 216}; // of the style on X11, and of that of Windows
 constexpr int grayTolerance = 2;
 constexpr int lowestRow = 12; // pixels of one colour; the head has a gradient
 
 bool isGridColor(QRgb pixel)
 {
-    return std::abs(qGray(pixel) - gridGray) <= grayTolerance;
+    return std::any_of(std::begin(gridGrays), std::end(gridGrays), [&](int gray) {
+        return std::abs(qGray(pixel) - gray) <= grayTolerance;
+    });
 }
 
 bool isOneColor(const QImage &image, int y)
@@ -41,6 +45,11 @@ QVector<TableRow> tableRows(const QImage &strip)
         if (y - top >= lowestRow && isGridLine(strip, y))
             rows += TableRow{top, y - top};
         top = y;
+    }
+    // The head of a table on Windows is as white as the first row, and runs into it.
+    if (rows.size() > 1 && rows[0].height > rows[1].height) {
+        rows[0].top += rows[0].height - rows[1].height;
+        rows[0].height = rows[1].height;
     }
     return rows;
 }

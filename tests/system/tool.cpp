@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QPainter>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -25,6 +26,8 @@ constexpr int glideSteps = 12;
 constexpr int glidePace = 8;  // ms a step
 constexpr int clickHold = 30; // ms from a press to its release
 
+constexpr int smallestDragged = 60; // design pixels; an arrow has 32
+
 } // namespace
 
 Tool::Tool() : m_map(m_desktop.scale()) { }
@@ -37,11 +40,16 @@ Tool::~Tool()
     m_process.waitForFinished(killLimit);
 }
 
-void Tool::start(const QString &program)
+void Tool::start(const QString &program, const QString &wine, const QString &folder)
 {
+    m_isForWindows = !wine.isEmpty();
+    m_process.setWorkingDirectory(folder);
     await([this] { return m_desktop.hasWindowManager(); }, startLimit,
           QStringLiteral("there is no window manager"));
-    m_process.start(program, QStringList());
+    if (m_isForWindows)
+        m_process.start(wine, {program});
+    else
+        m_process.start(program, QStringList());
     await([this] { return m_process.state() == QProcess::Running; }, startLimit,
           QStringLiteral("%1 doesn't start: %2").arg(program, m_process.errorString()));
 }
@@ -66,16 +74,19 @@ double Tool::processorTime() const
 }
 
 // The window manager may have taken the frame of a window away when Qt asks where it is; Qt says
-// so.
+// so. And behind some icons of Wine it finds no picture.
 QString Tool::output()
 {
     static const QRegularExpression frameHasGone(
         QStringLiteral(
             R"(^qt\.qpa\.xcb: QXcbConnection: XCB error: 3 \(BadWindow\).*\(TranslateCoords\).*\n?)"),
         QRegularExpression::MultilineOption);
+    static const QRegularExpression noPicture(QStringLiteral(R"(^QPixmap::fromWinHICON\(\).*\n?)"),
+                                              QRegularExpression::MultilineOption);
     return QString::fromLocal8Bit(m_process.readAllStandardError()
                                   + m_process.readAllStandardOutput())
-        .remove(frameHasGone);
+        .remove(frameHasGone)
+        .remove(noPicture);
 }
 
 QVector<XDesktop::Window> Tool::windows() const
@@ -204,13 +215,39 @@ QImage Tool::look(const XDesktop::Window &window, const QRect &place) const
     return m_desktop.picture(onScreen(window, place));
 }
 
+// On X11 a window of its own, on Windows the pointer, which otherwise is a small one.
+QImage Tool::draggedPicture(QPoint *place) const
+{
+    if (!m_isForWindows) {
+        const QVector<XDesktop::Window> all = windows();
+        for (const XDesktop::Window &window : all) {
+            if (!window.isPopup)
+                continue;
+            *place = window.place.topLeft();
+            return m_desktop.picture(window.place);
+        }
+        return QImage();
+    }
+    const XDesktop::Pointer pointer = m_desktop.pointerPicture();
+    if (pointer.picture.width() < m_map.scaled(smallestDragged))
+        return QImage();
+    *place = m_desktop.pointer() - pointer.hotSpot;
+    return pointer.picture;
+}
+
 QImage Tool::picture() const
 {
     QRect all;
     const QVector<XDesktop::Window> each = windows();
     for (const XDesktop::Window &window : each)
         all |= window.frame;
-    return m_desktop.picture(all);
+    QImage picture = m_desktop.picture(all);
+    if (m_isForWindows) {
+        QPoint place;
+        const QImage dragged = draggedPicture(&place);
+        QPainter(&picture).drawImage(place - (all & m_desktop.screen()).topLeft(), dragged);
+    }
+    return picture;
 }
 
 QImage Tool::dialogPicture() const

@@ -25,7 +25,10 @@ public:
 
     // The process
 
-    void start(const QString &program);
+    //! Starts \a program in \a folder; \a wine runs it if it is a program for Windows.
+    void start(const QString &program, const QString &wine, const QString &folder);
+    //! True if the tool is a program for Windows.
+    bool isForWindows() const { return m_isForWindows; }
     bool isRunning() const;
     qint64 processId() const { return m_process.processId(); }
     //! Seconds of a processor that the tool has used.
@@ -63,6 +66,8 @@ public:
     QImage look(const QRect &place) const;
     //! What is seen at \a place of the dialog \a window, in design pixels.
     QImage look(const XDesktop::Window &window, const QRect &place) const;
+    //! What the mouse drags, where it is seen; a null image if that is nothing.
+    QImage draggedPicture(QPoint *place) const;
     //! All windows of the tool with their frames.
     QImage picture() const;
     //! The window that has the keys, with its frame; a null image if that is the main window.
@@ -94,6 +99,7 @@ private:
     ScreenMap m_map;
     QProcess m_process;
     quint32 m_mainWindow = 0;
+    bool m_isForWindows = false;
 };
 
 //! The share of \a image's pixels, 0 to 1, that are exactly of \a color.

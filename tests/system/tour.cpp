@@ -74,7 +74,7 @@ const Tour::Step Tour::steps[] = {
     {"disconnected", "answer Ok", &Tour::confirmDisconnect},
     {"again", "connect again", &Tour::connectAgain},
     {"drag-download", "drag a label until a download ends under it", &Tour::dragIntoDownload},
-    {"service", "press the logo without the left Ctrl key, and with it", &Tour::watchCounters},
+    {"service", "press the logo without a Ctrl key, with the right and with the left one", &Tour::watchCounters},
     {"chip-id", "press CHIP ID", &Tour::switchChipId},
     {"cleared", "press Clear Status", &Tour::clearCounters},
     {"password", "press LOCK, type a password", &Tour::typePassword},
@@ -101,10 +101,13 @@ const Tour::Step Tour::steps[] = {
     {"ais-own", "close both, press View under Own Data", &Tour::openOwnShip},
     {"ais-alarms", "close it, press View under Alarms", &Tour::openAlarms},
     {"ais-end", "close it and the table", &Tour::endAisTest},
+    {"speed-scan", "disconnect, and connect from each speed of the router",
+     &Tour::connectFromEverySpeed, true},
     {"drag-timeout", "pull the cable out, drag a label until the box comes",
      &Tour::dragIntoTimeout},
     {"timeout", "close the box, connect, pull the cable out", &Tour::pullCable},
     {"replugged", "close the box, put the cable back, connect", &Tour::plugCable},
+    {"taken", "disconnect, try a port that another program has", &Tour::openTakenPort},
     {"end", "close the window", &Tour::closeWindow},
 };
 
@@ -121,6 +124,8 @@ bool Tour::run()
     timer.start();
     int number = 0;
     for (const Step &step : steps) {
+        if (step.isForWindows && m_options.wine.isEmpty())
+            continue;
         if (!runStep(++number, step))
             return false;
     }
@@ -135,14 +140,14 @@ bool Tour::run()
 void Tour::prepare()
 {
     QDir folder(m_options.output);
-    require(folder.mkpath(QStringLiteral(".")),
-            QStringLiteral("the folder %1 can't be made").arg(m_options.output));
+    require(folder.mkpath(filesFolder()),
+            QStringLiteral("the folder %1 can't be made").arg(filesFolder()));
     const QStringList old = folder.entryList({QStringLiteral("[0-9][0-9]-*.png")}, QDir::Files);
     for (const QString &picture : old)
         folder.remove(picture);
 
-    m_spareRouter.setPublishedName(Story::sparePort);
-    m_router.setPublishedName(Story::port);
+    m_spareRouter.setPublishedName(ports().sparePort);
+    m_router.setPublishedName(ports().port);
     m_router.setStartSpeed(Story::firstStartSpeed);
     m_listener.ignore("$VRSTA,"); // as long as the service dialog is open
     m_router.setVersion(versionMajor, versionMinor);

@@ -4,6 +4,7 @@
 #include "listener.h"
 #include "monitorcheck.h"
 #include "simulator/router/routersimulator.h"
+#include "story.h"
 #include "tablerows.h"
 #include "tool.h"
 #include "traffic.h"
@@ -27,6 +28,7 @@ public:
     {
         QString tool;   //!< the program
         QString output; //!< the folder of the pictures
+        QString wine;   //!< what runs the tool if it is a program for Windows; empty: nothing
     };
 
     explicit Tour(const Options &options);
@@ -41,9 +43,14 @@ private:
         const char *name; // of the picture
         const char *deed; // what the user does
         QString (Tour::*run)();
+        bool isForWindows = false; // and for no other tool
     };
     static const Step steps[];
 
+    const Story::Ports &ports() const
+    {
+        return m_options.wine.isEmpty() ? Story::unixPorts : Story::windowsPorts;
+    }
     void prepare();
     bool runStep(int number, const Step &step);
     void savePicture(int number, const QString &name);
@@ -59,12 +66,16 @@ private:
     QString confirmDisconnect();
     QString connectAgain();
     QString dragIntoDownload();
+    QString connectFromEverySpeed();
+    QString openTakenPort();
     QString pullCable();
     QString dragIntoTimeout();
     QString plugCable();
     QString closeWindow();
-    void connectAndDownload();
+    void connectAndDownload(int queries = 2);
+    void disconnect();
     void awaitIdle();
+    void choosePort(const QString &name);
 
     // tour_matrix.cpp
     QString selectOutputs();
@@ -83,6 +94,8 @@ private:
     void select(int output);
     void openEditor(const QRect &place);
     void dragLabel(const QRect &from, const QRect &to);
+    void awaitNoDrag();
+    void awaitNoDragUnderBox();
     void clickBoxOverDrag();
 
     // tour_monitor.cpp
@@ -123,6 +136,7 @@ private:
     QString pressSave();
     QString confirmSave();
     QString awaitSaved();
+    QString filesFolder() const;
     QString ruleFile() const;
     void enterFileName(const QString &title, const QString &file);
 

@@ -7,6 +7,8 @@
 #include "wait.h"
 
 #include <QElapsedTimer>
+#include <QFileInfo>
+#include <QProcess>
 
 #include <algorithm>
 
@@ -25,13 +27,16 @@ constexpr int secondSpeed = 9600; // that the tool tries
 // Milliseconds.
 constexpr int timeoutLimit = 4000;  // from the last sentence of the router to the end of the link
 constexpr int timeoutMargin = 2000; // to see the box on a busy machine
-constexpr double idleShare = 0.05; // of a processor, while the tool waits for a router that is gone
+// Of a processor, while the tool waits for a router that is gone. Under Wine it looks for bytes all
+// the time.
+constexpr double idleShare = 0.05;
+constexpr double idleShareUnderWine = 0.2;
 
 } // namespace
 
 QString Tour::startTool()
 {
-    m_tool.start(m_options.tool);
+    m_tool.start(QFileInfo(m_options.tool).absoluteFilePath(), m_options.wine, filesFolder());
     m_tool.adoptMainWindow(windowTitle);
     m_tool.restMouse();
 
@@ -54,12 +59,17 @@ QString Tour::startTool()
 
 QString Tour::choosePort()
 {
+    choosePort(ports().port);
+    return QStringLiteral("the list opens and closes, %1 was chosen").arg(ports().port);
+}
+
+void Tour::choosePort(const QString &name)
+{
     m_tool.click(m_tool.map().portList());
     m_tool.awaitPopup(Limit::popup);
-    m_tool.desktop().type(Story::port);
+    m_tool.desktop().type(name);
     m_tool.desktop().strike("Return");
     m_tool.awaitNoPopup();
-    return QStringLiteral("the list opens and closes, %1 was chosen").arg(Story::port);
 }
 
 QString Tour::pressConnect()
@@ -130,13 +140,19 @@ QString Tour::pressDisconnect()
     return QStringLiteral("the question \"%1\"").arg(m_box.title);
 }
 
-QString Tour::confirmDisconnect()
+// Answers the question in the box.
+void Tour::disconnect()
 {
     m_tool.acceptBox(m_box);
     m_listener.expect({"$VRDCN\r\n"}, Limit::hear);
     await([this] { return !m_router.isConnected(); }, Limit::hear,
           QStringLiteral("the router is still connected"));
     awaitIdle();
+}
+
+QString Tour::confirmDisconnect()
+{
+    disconnect();
     return QStringLiteral("the router was told; the window is idle, with the last configuration");
 }
 
@@ -147,10 +163,19 @@ QString Tour::connectAgain()
     return QStringLiteral("the saved configuration comes down, with the name");
 }
 
-// A box over a drag ends it: the hand can let go, and the first click on the box counts.
+// A box over a drag ends it. On Windows a blocked window leaves the pointer as it is, until the hand
+// comes to the box.
+void Tour::awaitNoDragUnderBox()
+{
+    if (m_tool.isForWindows())
+        m_tool.glideTo(m_box.place.center());
+    awaitNoDrag();
+}
+
+// The hand can let go, and the first click on the box counts.
 void Tour::clickBoxOverDrag()
 {
-    m_tool.awaitNoPopup(); // the label's picture
+    awaitNoDragUnderBox();
     m_tool.desktop().release(XDesktop::LeftButton);
     // The one button of a box lies in its lower right corner.
     const QPoint corner(m_box.place.width(), m_box.place.height());
@@ -165,7 +190,7 @@ QString Tour::dragIntoDownload()
               m_tool.map().mainCell(Story::freeChannel + 1));
     m_router.sendLine("$VRWBL\r\n");
     m_box = m_tool.awaitWindow(Story::routerTitle, Limit::box);
-    m_tool.awaitNoPopup();
+    awaitNoDragUnderBox();
     // With the button still held down the window goes on painting.
     const QRect labels = m_tool.map().connectionLabels();
     const QImage before = m_tool.look(labels);
@@ -176,6 +201,54 @@ QString Tour::dragIntoDownload()
     awaitMatrix(viewNothing);
     m_listener.expectNothing();
     return QStringLiteral("the label is back, the box has heard the click, the picture goes on");
+}
+
+QString Tour::connectFromEverySpeed()
+{
+    const auto askToDisconnect = [this] {
+        m_tool.click(m_tool.map().connectButton());
+        m_box = m_tool.awaitWindow(Story::routerTitle, Limit::box);
+    };
+    for (const int speed : {4800, 9600, 19200, 38400, 57600, 115200}) {
+        askToDisconnect();
+        disconnect();
+        m_router.setStartSpeed(speed);
+        connectAndDownload(speed == RouterSimulator::fastSpeed ? 1 : 2);
+    }
+    return QStringLiteral("the router is found at each, and the configuration comes down");
+}
+
+QString Tour::openTakenPort()
+{
+    m_tool.click(m_tool.map().connectButton());
+    m_box = m_tool.awaitWindow(Story::routerTitle, Limit::box);
+    disconnect();
+
+    QString program = QFileInfo(m_options.tool).absolutePath() + QStringLiteral("/tk7-rules");
+    QStringList arguments{QStringLiteral("record"), QStringLiteral("--input"), QStringLiteral("0"),
+                          ports().sparePort};
+    if (!m_options.wine.isEmpty()) {
+        arguments.prepend(program + QStringLiteral(".exe"));
+        program = m_options.wine;
+    }
+    QProcess other;
+    other.start(program, arguments);
+    await([this] { return m_spareRouter.isConnected(); }, Limit::download,
+          QStringLiteral("the other program doesn't connect to the other router"));
+
+    choosePort(ports().sparePort);
+    const int heard = m_spareRouter.transcript().size();
+    m_tool.click(m_tool.map().connectButton());
+    m_box = m_tool.awaitWindow(linkTitle, Limit::box);
+    for (int i = heard; i < m_spareRouter.transcript().size(); ++i) {
+        require(m_spareRouter.transcript()[i].line == "$VRCNC\r\n",
+                QStringLiteral("the tool speaks on a port of another program"));
+    }
+    m_tool.acceptBox(m_box);
+    awaitIdle();
+    other.kill();
+    other.waitForFinished();
+    return QStringLiteral("the box \"%1\", and the window is idle").arg(linkTitle);
 }
 
 QString Tour::dragIntoTimeout()
@@ -201,7 +274,7 @@ QString Tour::pullCable()
     m_box = m_tool.awaitWindow(linkTitle, timeoutLimit + timeoutMargin);
     const double waited = secondsOf(timer);
     const double share = (m_tool.processorTime() - used) / waited;
-    require(share < idleShare,
+    require(share < (m_tool.isForWindows() ? idleShareUnderWine : idleShare),
             QStringLiteral("the tool used %1 % of a processor").arg(share * 100, 0, 'f', 1));
     return QStringLiteral("the box \"%1\" after %2 s, in which the tool used %3 % of a processor")
         .arg(m_box.title)
@@ -244,13 +317,14 @@ void Tour::awaitIdle()
           Limit::paint, QStringLiteral("the window still tells of a connection"));
 }
 
-// All speeds are shown already, so none goes back to the router.
-void Tour::connectAndDownload()
+// All speeds are shown already, so none goes back to the router. It is asked at its start speed and at
+// the fast one, which may be the same.
+void Tour::connectAndDownload(int queries)
 {
     m_tool.click(m_tool.map().connectButton());
     m_box = m_tool.awaitWindow(Story::routerTitle, Limit::download);
     require(m_router.isConnected(), QStringLiteral("the router isn't connected"));
-    m_listener.expect(Conversation::download(), Limit::hear);
+    m_listener.expect(Conversation::download().mid(2 - queries), Limit::hear);
     require(m_router.working() == m_expected && m_router.eeprom() == m_expected,
             QStringLiteral("the router doesn't have what was saved"));
     m_tool.acceptBox(m_box);

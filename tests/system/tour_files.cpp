@@ -96,9 +96,15 @@ QString Tour::awaitSaved()
         .arg(pace, 0, 'f', 1);
 }
 
+// Where the tool is started, and finds its files by their names alone. Letters of three alphabets.
+QString Tour::filesFolder() const
+{
+    return QDir(m_options.output).absoluteFilePath(QStringLiteral("Schiff Ørsted Ладога"));
+}
+
 QString Tour::ruleFile() const
 {
-    return QDir(m_options.output).absoluteFilePath(QStringLiteral("rules.vrr"));
+    return filesFolder() + QStringLiteral("/rules.vrr");
 }
 
 // The list of suggestions under the name may take a Return for itself, and a folder that is still
@@ -123,7 +129,7 @@ void Tour::enterFileName(const QString &title, const QString &file)
         if (!waitUntil(hasKeys, closeLimit))
             continue;
         desktop.strike("a", "Control_L");
-        desktop.type(file);
+        desktop.type(QFileInfo(file).fileName());
         runFor(settle);
         desktop.strike("Return");
         if (waitUntil(isClosed, closeLimit))

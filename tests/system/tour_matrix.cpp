@@ -12,6 +12,7 @@ using namespace tk7sim;
 namespace {
 
 constexpr quint32 newSpeed = 9600;
+constexpr int restBeforeDrop = 500; // ms
 
 } // namespace
 
@@ -45,7 +46,7 @@ QString Tour::dropPort()
         Story::draggedInput;
     require(m_router.working() == before, QStringLiteral("the router was told before the drop"));
     m_tool.desktop().release(XDesktop::LeftButton);
-    m_tool.awaitNoPopup();
+    awaitNoDrag();
     m_listener.expect({Conversation::rules(Story::chosenOutput)}, Limit::hear);
     require(m_router.working() == m_expected,
             QStringLiteral("the router's rules aren't what was dropped"));
@@ -63,7 +64,7 @@ QString Tour::dragOntoOccupied()
 QString Tour::dropRefused()
 {
     m_tool.desktop().release(XDesktop::LeftButton);
-    m_tool.awaitNoPopup();
+    awaitNoDrag();
     awaitMatrix(m_router.view());
     return QStringLiteral("every label is where it was");
 }
@@ -193,23 +194,40 @@ void Tour::dragLabel(const QRect &from, const QRect &to)
     m_tool.glideTo(start);
     desktop.press(XDesktop::LeftButton);
     m_tool.glideTo(start + (target - start) / 3);
-    m_tool.awaitPopup(Limit::popup);
+    QPoint place;
+    await([&] { return !m_tool.draggedPicture(&place).isNull(); }, Limit::popup,
+          QStringLiteral("nothing hangs on the pointer"));
     m_tool.glideTo(target);
 
     // The picture hangs on the pointer by the point where the label was taken.
     const QPoint hold = start - taken.topLeft();
     const auto problem = [&] {
         constexpr int tolerance = 2; // the frame's own border, scaled
-        const QRect picture = m_tool.awaitPopup(Limit::popup).place;
-        const QPoint slip = picture.topLeft() + hold - desktop.pointer();
+        const QImage picture = m_tool.draggedPicture(&place);
+        const QPoint slip = place + hold - desktop.pointer();
         if (slip.manhattanLength() > 2 * tolerance) {
             return QStringLiteral("the label's picture is off the pointer by %1, %2")
                 .arg(slip.x())
                 .arg(slip.y());
         }
-        if (shareOf(m_tool.pictureOnScreen(picture), Story::rs422) < Story::mostly)
+        if (shareOf(picture, Story::rs422) < Story::mostly)
             return QStringLiteral("what is under the pointer isn't the label");
         return QString();
     };
     awaitNoProblem(problem, Limit::paint);
+    // There the picture is the pointer's own, and doesn't tell how far the tool has followed it.
+    if (m_tool.isForWindows())
+        runFor(restBeforeDrop);
+}
+
+void Tour::awaitNoDrag()
+{
+    QPoint place;
+    int step = 1;
+    const auto isGone = [&] {
+        if (m_tool.isForWindows()) // a pointer that rests there is as it was
+            m_tool.desktop().moveTo(m_tool.desktop().pointer() + QPoint(step = -step, 0));
+        return m_tool.draggedPicture(&place).isNull();
+    };
+    await(isGone, Limit::popup, QStringLiteral("the label's picture stays under the pointer"));
 }

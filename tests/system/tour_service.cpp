@@ -103,13 +103,16 @@ QImage Tour::counterTable() const
     return m_tool.look(m_service, DialogMap::Service::table);
 }
 
-// Without the key the logo does nothing: a dialog would take the next click, which the router hears
+// Without the key, and with the right one, the logo does nothing: a dialog would take the next click, which the router hears
 // of and of nothing before it.
 QString Tour::watchCounters()
 {
     m_router.setFault(Fault::InputErrors, spoiltShare);
     m_router.setFault(Fault::InputDamage, spoiltShare);
     m_tool.click(m_tool.map().logo());
+    m_tool.desktop().holdKey("Control_R");
+    m_tool.click(m_tool.map().logo());
+    m_tool.desktop().releaseKey("Control_R");
     select(Story::chosenOutput);
     openService();
 
@@ -256,8 +259,7 @@ QString Tour::setMode()
 
 QString Tour::chooseFirmware()
 {
-    const QString name =
-        QDir(m_options.output).absoluteFilePath(QStringLiteral("firmware-4.1.efw"));
+    const QString name = filesFolder() + QStringLiteral("/firmware-4.1.efw");
     QFile file(name);
     require(file.open(QIODevice::WriteOnly) && file.write(firmwareFile()) == firmwareSize,
             QStringLiteral("%1 can't be written").arg(name));

@@ -6,6 +6,7 @@
 
 // Xlib comes last: it defines words such as None and Bool.
 #include <X11/extensions/XTest.h>
+#include <X11/extensions/Xfixes.h>
 #include <X11/Xatom.h>
 #include <X11/XKBlib.h>
 #include <X11/Xlib.h>
@@ -244,6 +245,24 @@ QPoint XDesktop::pointer() const
     unsigned int mask = 0;
     XQueryPointer(d->display, d->root, &itsRoot, &child, &x, &y, &innerX, &innerY, &mask);
     return QPoint(x, y);
+}
+
+XDesktop::Pointer XDesktop::pointerPicture() const
+{
+    const std::unique_ptr<XFixesCursorImage, XFreeLater> cursor(XFixesGetCursorImage(d->display));
+    require(cursor != nullptr, QStringLiteral("the display doesn't show its pointer"));
+    Pointer pointer;
+    pointer.hotSpot = QPoint(cursor->xhot, cursor->yhot);
+    pointer.picture =
+        QImage(cursor->width, cursor->height, QImage::Format_ARGB32_Premultiplied);
+    // Xlib hands out pixels of 32 bits as longs.
+    const unsigned long *next = cursor->pixels;
+    for (int y = 0; y < cursor->height; ++y) {
+        auto *line = reinterpret_cast<QRgb *>(pointer.picture.scanLine(y));
+        for (int x = 0; x < cursor->width; ++x)
+            line[x] = static_cast<QRgb>(*next++);
+    }
+    return pointer;
 }
 
 void XDesktop::moveTo(QPoint point)

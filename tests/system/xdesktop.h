@@ -26,6 +26,13 @@ public:
         bool isPopup = false; //!< without a frame and unmanaged: a list, the picture of a drag
     };
 
+    //! What stands on the screen in place of the mouse.
+    struct Pointer
+    {
+        QImage picture;
+        QPoint hotSpot;
+    };
+
     enum Button { LeftButton = 1, RightButton = 3 };
 
     //! Ends the tour if there is no display, or one without XTest.
@@ -45,6 +52,7 @@ public:
     QImage picture(const QRect &place) const;
 
     QPoint pointer() const;
+    Pointer pointerPicture() const;
     void moveTo(QPoint point);
     void press(Button button);
     void release(Button button);
