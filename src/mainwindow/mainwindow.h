@@ -226,6 +226,7 @@ private:
     void makeScrollable();
     void placeOnScreen();
     bool isNarrow() const;
+    void keepChannelsInSight();
     void setAreaBottoms();
 
     // Connection

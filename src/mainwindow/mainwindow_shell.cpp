@@ -72,6 +72,8 @@ void MainWindow::rememberGeometry()
         columns[i] = {areas[i], QRect(areas[i]->pos(), areas[i]->minimumSize())};
         areas[i]->setMinimumHeight(0);
     }
+    connect(ui->scrollAreaInputChannels->horizontalScrollBar(), &QScrollBar::rangeChanged, this,
+            &MainWindow::keepChannelsInSight);
     contents_area->setMinimumSize(0, 0);
     // The bar is as wide as the window, not as the panel and the room that a status bar wants
     // beside it.
@@ -112,6 +114,18 @@ void MainWindow::resizeEvent(QResizeEvent *event)
                                           : ui->statusBar->maximumHeight());
     setAreaBottoms();
     QMainWindow::resizeEvent(event);
+}
+
+// A wide vertical bar, as Windows has at a high resolution, would cover the right end of the channels:
+// they give way to the left, as far as their margin there is bare.
+void MainWindow::keepChannelsInSight()
+{
+    QFrame *channels = ui->frame_input_channels_tabl;
+    QScrollBar *bar = ui->scrollAreaInputChannels->horizontalScrollBar();
+    const QWidget *last = ui->pushButton_channel_0_hdr_set;
+    const int end = last->mapTo(channels, QPoint(last->width(), 0)).x();
+    const int margin = ui->pushButton_channel_0->mapTo(channels, QPoint()).x();
+    bar->setValue(qBound(0, bar->maximum() - (channels->width() - end), margin));
 }
 
 // In a window that is too low for the matrix the columns end above the status bar and scroll.

@@ -5,6 +5,7 @@
 #include "widgets/screenarea.h"
 
 #include <QGuiApplication>
+#include <QProxyStyle>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
@@ -40,6 +41,7 @@ private slots:
     void speedViewAtTheRightEdge();
     void narrowWindowScrolls_data() { addScreens(); }
     void narrowWindowScrolls();
+    void wideScrollBar();
     void targetInformation_data() { addScreens(); }
     void targetInformation();
 
@@ -290,6 +292,38 @@ void tst_lowscreen::narrowWindowScrolls()
     if (cut(853) <= window.width()) {
         QTRY_VERIFY(!scrolls->horizontalScrollBar()->isVisible());
         QCOMPARE(window.findChild<QWidget *>(QStringLiteral("frame_nmea_output"))->x(), 0);
+    }
+}
+
+// The scroll bars of Windows are as wide as this: what stands in a channel's row isn't covered by one.
+void tst_lowscreen::wideScrollBar()
+{
+    class WideBars : public QProxyStyle
+    {
+        int pixelMetric(PixelMetric metric, const QStyleOption *option,
+                        const QWidget *widget) const override
+        {
+            return metric == PM_ScrollBarExtent ? round(17)
+                                                : QProxyStyle::pixelMetric(metric, option, widget);
+        }
+    };
+    WideBars style;
+    MainWindow window;
+    auto *area = window.findChild<QScrollArea *>(QStringLiteral("scrollAreaInputChannels"));
+    area->verticalScrollBar()->setStyle(&style);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    const auto placeOf = [&](const char *name) {
+        auto *widget = window.findChild<QWidget *>(QString::fromLatin1(name));
+        return QRect(widget->mapTo(area->viewport(), QPoint()), widget->size());
+    };
+    for (const bool isLow : {true, false, true}) {
+        window.resize(window.width(), isLow ? window.minimumHeight() : cut(797));
+        QTRY_COMPARE(area->verticalScrollBar()->isVisible(), isLow);
+        QTRY_VERIFY(placeOf("pushButton_channel_0_hdr_set").right() < area->viewport()->width());
+        QVERIFY(placeOf("pushButton_channel_0").left() >= 0);
+        if (!isLow)
+            QCOMPARE(placeOf("frame_input_channels_tabl").left(), 0);
     }
 }
 

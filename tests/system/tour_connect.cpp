@@ -209,7 +209,7 @@ QString Tour::connectFromEverySpeed()
         m_tool.click(m_tool.map().connectButton());
         m_box = m_tool.awaitWindow(Story::routerTitle, Limit::box);
     };
-    for (const int speed : {4800, 9600, 19200, 38400, 57600, 115200}) {
+    for (const int speed : {9600, 19200, 38400, 57600, 115200, RouterSimulator::defaultStartSpeed}) {
         askToDisconnect();
         disconnect();
         m_router.setStartSpeed(speed);
