@@ -24,7 +24,7 @@ install(FILES ${run_time} DESTINATION .)
 # The documents that need no more than the tool, as web pages with the pictures that they show.
 find_program(PANDOC pandoc REQUIRED)
 set(pages)
-foreach(name user-guide rule-file)
+foreach(name user-guide rule-file windows)
     set(source ${PROJECT_SOURCE_DIR}/docs/${name}.md)
     set(page ${CMAKE_CURRENT_BINARY_DIR}/${name}.html)
     file(STRINGS ${source} title LIMIT_COUNT 1)

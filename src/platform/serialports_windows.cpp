@@ -55,7 +55,19 @@ bool hasHungUp(const QSerialPort &)
 
 void drain(QSerialPort &port)
 {
-    FlushFileBuffers(port.handle());
+    // FlushFileBuffers waits without end for a device that takes no bytes any more.
+    constexpr int longestWait = 200; // ms
+    for (int i = 0; i < longestWait; ++i) {
+        DWORD errors = 0;
+        COMSTAT state{};
+        if (!ClearCommError(port.handle(), &errors, &state))
+            return;
+        if (state.cbOutQue == 0) {
+            FlushFileBuffers(port.handle());
+            return;
+        }
+        Sleep(1);
+    }
 }
 
 } // namespace platform
