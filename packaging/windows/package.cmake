@@ -15,7 +15,7 @@ foreach(library libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll)
     execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${library}
         OUTPUT_VARIABLE source OUTPUT_STRIP_TRAILING_WHITESPACE)
     set(stripped ${CMAKE_CURRENT_BINARY_DIR}/${library})
-    execute_process(COMMAND ${CMAKE_STRIP} --strip-unneeded -o ${stripped} ${source}
+    execute_process(COMMAND ${CMAKE_STRIP} --strip-unneeded --preserve-dates -o ${stripped} ${source}
         COMMAND_ERROR_IS_FATAL ANY)
     list(APPEND run_time ${stripped})
 endforeach()
