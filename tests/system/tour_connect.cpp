@@ -241,7 +241,7 @@ QString Tour::openTakenPort()
     m_tool.click(m_tool.map().connectButton());
     m_box = m_tool.awaitWindow(linkTitle, Limit::box);
     for (int i = heard; i < m_spareRouter.transcript().size(); ++i) {
-        require(m_spareRouter.transcript()[i].line == "$VRCNC\r\n",
+        require(m_spareRouter.transcript()[i].line != "$VRCNT\r\n",
                 QStringLiteral("the tool speaks on a port of another program"));
     }
     m_tool.acceptBox(m_box);
