@@ -57,17 +57,8 @@ void drain(QSerialPort &port)
 {
     // FlushFileBuffers waits without end for a device that takes no bytes any more.
     constexpr int longestWait = 200; // ms
-    for (int i = 0; i < longestWait; ++i) {
-        DWORD errors = 0;
-        COMSTAT state{};
-        if (!ClearCommError(port.handle(), &errors, &state))
-            return;
-        if (state.cbOutQue == 0) {
-            FlushFileBuffers(port.handle());
-            return;
-        }
-        Sleep(1);
-    }
+    if (port.bytesToWrite() == 0 || port.waitForBytesWritten(longestWait))
+        FlushFileBuffers(port.handle());
 }
 
 } // namespace platform
