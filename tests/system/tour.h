@@ -43,7 +43,8 @@ private:
         const char *name; // of the picture
         const char *deed; // what the user does
         QString (Tour::*run)();
-        bool isForWindows = false; // and for no other tool
+        enum Tools { All, OnlyForWindows, NotForWindows };
+        Tools tools = All;
     };
     static const Step steps[];
 

@@ -224,13 +224,10 @@ QString Tour::openTakenPort()
     m_box = m_tool.awaitWindow(Story::routerTitle, Limit::box);
     disconnect();
 
-    QString program = QFileInfo(m_options.tool).absolutePath() + QStringLiteral("/tk7-rules");
-    QStringList arguments{QStringLiteral("record"), QStringLiteral("--input"), QStringLiteral("0"),
+    const QString program =
+        QFileInfo(m_options.tool).absolutePath() + QStringLiteral("/tk7-rules");
+    const QStringList arguments{QStringLiteral("record"), QStringLiteral("--input"), QStringLiteral("0"),
                           ports().sparePort};
-    if (!m_options.wine.isEmpty()) {
-        arguments.prepend(program + QStringLiteral(".exe"));
-        program = m_options.wine;
-    }
     QProcess other;
     other.start(program, arguments);
     await([this] { return m_spareRouter.isConnected(); }, Limit::download,
