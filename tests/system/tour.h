@@ -139,7 +139,9 @@ private:
     QString awaitSaved();
     QString filesFolder() const;
     QString ruleFile() const;
-    void enterFileName(const QString &title, const QString &file);
+    enum Consequence { Nothing, Upload };
+    void enterFileName(const QString &title, const QString &file, Consequence consequence = Nothing);
+    void awaitSignOfLife();
 
     // tour_service.cpp
     QString watchCounters();

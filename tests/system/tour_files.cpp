@@ -40,7 +40,7 @@ QString Tour::saveFile()
 QString Tour::loadFile()
 {
     m_tool.click(m_tool.map().loadFromFile());
-    enterFileName(QStringLiteral("Load rules"), ruleFile());
+    enterFileName(QStringLiteral("Load rules"), ruleFile(), Upload);
     m_expected = m_saved;
     // Names have been given that only now reach the router.
     m_expected.inputNames[Story::namedInput] = Story::newName.toLatin1();
@@ -66,6 +66,7 @@ QString Tour::pressSave()
 
 QString Tour::confirmSave()
 {
+    awaitSignOfLife();
     m_saveAccepted = tk7sim::RouterSimulator::now();
     m_tool.acceptBox(m_box);
     const QRect place = m_tool.awaitPopup(Limit::popup).place;
@@ -107,9 +108,23 @@ QString Tour::ruleFile() const
     return filesFolder() + QStringLiteral("/rules.vrr");
 }
 
+// An upload takes two seconds. A question for a sign of life that comes at its beginning waits at the end
+// of the queue and, on a busy machine, finds its answer too late: the link ends. So the upload comes
+// right behind such a question.
+void Tour::awaitSignOfLife()
+{
+    const int before = m_router.transcript().size();
+    const auto isAsked = [&] {
+        const auto &heard = m_router.transcript();
+        return std::any_of(heard.cbegin() + before, heard.cend(),
+                           [](const ReceivedLine &line) { return line.line == "$VRCNC\r\n"; });
+    };
+    await(isAsked, Limit::download, QStringLiteral("the tool doesn't ask for a sign of life"));
+}
+
 // The list of suggestions under the name may take a Return for itself, and a folder that is still
 // being read may change what was typed: so the name is typed afresh at every try.
-void Tour::enterFileName(const QString &title, const QString &file)
+void Tour::enterFileName(const QString &title, const QString &file, Consequence consequence)
 {
     constexpr int settle = 500; // until the dialog has read its folder, or shown its suggestions
     constexpr int closeLimit = 1500;
@@ -131,6 +146,8 @@ void Tour::enterFileName(const QString &title, const QString &file)
         desktop.strike("a", "Control_L");
         desktop.type(QFileInfo(file).fileName());
         runFor(settle);
+        if (consequence == Upload)
+            awaitSignOfLife();
         desktop.strike("Return");
         if (waitUntil(isClosed, closeLimit))
             return;
