@@ -35,6 +35,12 @@ const QString settings = QStringLiteral("[CuteCom]\n"
                                         "1\\showTimestamp=false\n"
                                         "size=1\n");
 
+// Loaded into cutecom; there is none in a build with another Qt than cutecom's.
+QString helper()
+{
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/libcutecomhelper.so");
+}
+
 } // namespace
 
 CutecomProcess::CutecomProcess()
@@ -56,7 +62,7 @@ CutecomProcess::~CutecomProcess()
 
 bool CutecomProcess::isInstalled()
 {
-    return !QStandardPaths::findExecutable(program).isEmpty();
+    return QFile::exists(helper()) && !QStandardPaths::findExecutable(program).isEmpty();
 }
 
 bool CutecomProcess::start(const QString &platform)
@@ -68,9 +74,7 @@ bool CutecomProcess::start(const QString &platform)
     environment.insert(QStringLiteral("QT_FONT_DPI"), QStringLiteral("96"));
     environment.insert(QStringLiteral("HOME"), m_home.path());
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.path());
-    environment.insert(QStringLiteral("LD_PRELOAD"),
-                       QCoreApplication::applicationDirPath()
-                           + QLatin1String("/" TK7_CUTECOM_HELPER));
+    environment.insert(QStringLiteral("LD_PRELOAD"), helper());
     m_process.setProcessEnvironment(environment);
     m_process.setStandardOutputFile(QProcess::nullDevice());
     m_process.setStandardErrorFile(QProcess::nullDevice());

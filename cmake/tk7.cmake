@@ -42,6 +42,11 @@ if(UNIX)
     execute_process(COMMAND chmod 700 ${TK7_TEST_RUNTIME})
 endif()
 
+# What every test is started with; a resolution belongs to it. The tool scales itself, and its main()
+# tells Qt not to.
+set(TK7_TEST_ENVIRONMENT
+    QT_QPA_PLATFORM=offscreen QT_ENABLE_HIGHDPI_SCALING=0 XDG_RUNTIME_DIR=${TK7_TEST_RUNTIME})
+
 # The places that a test takes which computes all the time: those of a processor, which script/test
 # gives to as many tests that wait. The sanitizers let all of them compute.
 set(TK7_BUSY_PLACES 5)
@@ -58,7 +63,7 @@ endif()
 function(tk7_add_test name)
     cmake_parse_arguments(arg "APART;BUSY" "TIMEOUT;COST" "LINK;LABELS" ${ARGN})
     add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
-    target_link_libraries(${name} PRIVATE ${arg_LINK} Qt5::Test tk7_options)
+    target_link_libraries(${name} PRIVATE ${arg_LINK} Qt::Test tk7_options)
     if(TK7_SANITIZE)
         target_sources(${name} PRIVATE $<TARGET_OBJECTS:tk7_leak_check>)
     endif()
@@ -83,7 +88,7 @@ function(tk7_add_test name)
     endif()
     set_tests_properties(${tests} PROPERTIES
         TIMEOUT ${arg_TIMEOUT}
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_FONT_DPI=96;XDG_RUNTIME_DIR=${TK7_TEST_RUNTIME}"
+        ENVIRONMENT "${TK7_TEST_ENVIRONMENT};QT_FONT_DPI=96"
         LABELS "${arg_LABELS}")
     if(arg_COST)
         set_tests_properties(${tests} PROPERTIES COST ${arg_COST})

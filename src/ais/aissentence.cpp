@@ -1,6 +1,8 @@
 #include "ais/aissentence.h"
 
-#include <QStringRef>
+#include "platform/qtversion.h"
+
+using platform::TextPart;
 
 namespace {
 
@@ -18,42 +20,42 @@ constexpr uint maxMinuteOrSecond = 59;
 class FieldCutter
 {
 public:
-    explicit FieldCutter(const QStringRef &text) : m_rest(text) { }
+    explicit FieldCutter(const TextPart &text) : m_rest(text) { }
 
     bool failed() const { return m_failed; }
 
-    QStringRef upTo(QLatin1Char mark)
+    TextPart upTo(QLatin1Char mark)
     {
-        const int end = m_rest.indexOf(mark);
+        const auto end = m_rest.indexOf(mark);
         if (end < 0)
             m_failed = true;
         if (m_failed)
-            return QStringRef();
-        QStringRef field = m_rest.left(end);
+            return TextPart();
+        TextPart field = m_rest.left(end);
         m_rest = m_rest.mid(end + 1);
         return field;
     }
 
-    QStringRef character()
+    TextPart character()
     {
-        QStringRef field = upTo(separator);
+        TextPart field = upTo(separator);
         require(field.size() == 1);
         return field;
     }
 
-    QStringRef textWithEndMark()
+    TextPart textWithEndMark()
     {
-        const QStringRef text = m_rest;
+        const TextPart text = m_rest;
         return text.left(upTo(endMark).size() + 1);
     }
 
     uint numberOrZero()
     {
-        const QStringRef field = upTo(separator);
+        const TextPart field = upTo(separator);
         return field.isEmpty() ? 0 : number(field, 10);
     }
 
-    uint number(const QStringRef &field, int base)
+    uint number(const TextPart &field, int base)
     {
         bool isNumber = false;
         const uint value = field.toUInt(&isNumber, base);
@@ -61,7 +63,7 @@ public:
         return value;
     }
 
-    uint port(const QStringRef &field)
+    uint port(const TextPart &field)
     {
         const uint value = number(field, 16);
         require(value < AisPortCount);
@@ -78,7 +80,7 @@ public:
 
     bool activeOrVoid()
     {
-        const QStringRef field = character();
+        const TextPart field = character();
         const bool active = field == QLatin1String("A");
         require(active || field == QLatin1String("V"));
         return active;
@@ -86,7 +88,7 @@ public:
 
     int fillBits()
     {
-        const QStringRef field = upTo(endMark);
+        const TextPart field = upTo(endMark);
         if (field.isEmpty())
             return 0;
         bool isNumber = false;
@@ -98,7 +100,7 @@ public:
     void require(bool condition) { m_failed = m_failed || !condition; }
 
 private:
-    QStringRef m_rest;
+    TextPart m_rest;
     bool m_failed = false;
 };
 
@@ -112,12 +114,12 @@ std::optional<AisFragment> parseAisFragment(const QString &sentence)
         return std::nullopt;
     result.kind = isOwn ? QAis::OwnMessage : QAis::TargetMessage;
 
-    FieldCutter cutter(sentence.midRef(targetHead.size()));
+    FieldCutter cutter(platform::partFrom(sentence, targetHead.size()));
     result.total = cutter.numberOrZero();
     result.fragment = cutter.numberOrZero();
     result.sequence = cutter.numberOrZero();
     result.port = cutter.port(cutter.character());
-    const QStringRef payload = cutter.upTo(separator);
+    const TextPart payload = cutter.upTo(separator);
     cutter.require(!payload.isEmpty());
     result.fillBits = cutter.fillBits();
     if (cutter.failed())
@@ -131,7 +133,7 @@ std::optional<AisAlarmReport> parseAisAlarm(const QString &sentence)
     if (!sentence.startsWith(alarmHead))
         return std::nullopt;
     AisAlarmReport result;
-    FieldCutter cutter(sentence.midRef(alarmHead.size()));
+    FieldCutter cutter(platform::partFrom(sentence, alarmHead.size()));
     result.port = cutter.port(cutter.upTo(separator));
     result.hour = cutter.twoDigits(maxHour);
     result.minute = cutter.twoDigits(maxMinuteOrSecond);
@@ -141,7 +143,7 @@ std::optional<AisAlarmReport> parseAisAlarm(const QString &sentence)
     result.condition = cutter.activeOrVoid();
     result.acknowledged = cutter.activeOrVoid();
     // Deliberate: the star stays in the text and is shown.
-    const QStringRef text = cutter.textWithEndMark();
+    const TextPart text = cutter.textWithEndMark();
     if (cutter.failed())
         return std::nullopt;
     result.text = text.toString();
@@ -150,8 +152,8 @@ std::optional<AisAlarmReport> parseAisAlarm(const QString &sentence)
 
 bool parseAisPosition(const QString &sentence, QGpsKrd &position)
 {
-    const int from = sentence.indexOf(separator) + 1;
-    const int end = sentence.indexOf(endMark);
+    const auto from = sentence.indexOf(separator) + 1;
+    const auto end = sentence.indexOf(endMark);
     if (from == 0 || end < from)
         return false;
     return position.parseFields(sentence.mid(from, end - from));

@@ -21,7 +21,7 @@ void KeptRecords::keep(QObject *record)
 
 int KeptRecords::count()
 {
-    return records().size();
+    return int(records().size());
 }
 
 void KeptRecords::releaseAll()

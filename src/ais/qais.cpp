@@ -298,7 +298,7 @@ void QAis::expireOwnPosition(const QTime &now)
 
 void QAis::expireTargets(const QTime &now)
 {
-    for (int i = m_targets.size() - 1; i >= 0; --i) {
+    for (int i = targetCount() - 1; i >= 0; --i) {
         const QAisTarget *target = m_targets.at(i);
         if (!isOver(target->m_lastUpdate, silenceSeconds, now))
             continue;

@@ -45,8 +45,8 @@ public:
     void setPortNumber(uint port);
     uint portNumber() const { return m_port; }
 
-    int targetCount() const { return m_targets.size(); }
-    int alarmCount() const { return m_alarms.size(); }
+    int targetCount() const { return int(m_targets.size()); }
+    int alarmCount() const { return int(m_alarms.size()); }
 
     /*! Whole messages of the types 1, 2, 3 and 5 from other stations. Never reset. */
     quint32 messageCount() const { return m_messageCount; }

@@ -80,7 +80,7 @@ bool QBitStream::appendPayload(const char *payload, int fillBits)
 void QBitStream::resize(qint64 size)
 {
     const int keptBefore = qMin(m_size, MaxBits);
-    m_size = int(qBound<qint64>(0, size, std::numeric_limits<int>::max()));
+    m_size = int(qBound(qint64(0), size, qint64(std::numeric_limits<int>::max())));
     const int kept = qMin(m_size, MaxBits);
     if (kept >= keptBefore) {
         const size_t needed = size_t(bytesFor(kept)) + Padding;

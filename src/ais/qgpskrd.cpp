@@ -1,8 +1,7 @@
 #include "ais/qgpskrd.h"
 
 #include "ais/greatcircle.h"
-
-#include <QStringRef>
+#include "platform/qtversion.h"
 
 #include <cmath>
 #include <limits>
@@ -72,7 +71,7 @@ double minutesOf(const QGpsKrd::Coordinate &parts, const CoordinateRules &rules)
 }
 
 // Reads one coordinate and its hemisphere from the start of \a text; \a comma is the one between.
-bool parseCoordinate(const QStringRef &text, const CoordinateRules &rules, double &minutes,
+bool parseCoordinate(const platform::TextPart &text, const CoordinateRules &rules, double &minutes,
                      int &comma)
 {
     if (text.indexOf(QLatin1Char('.')) != rules.degreeDigits + minuteDigits)
@@ -81,7 +80,7 @@ bool parseCoordinate(const QStringRef &text, const CoordinateRules &rules, doubl
     const long degrees = text.left(rules.degreeDigits).toLong(&isNumber, 10);
     if (!isNumber || degrees > rules.maxDegrees)
         return false;
-    comma = text.indexOf(QLatin1Char(','));
+    comma = int(text.indexOf(QLatin1Char(',')));
     if (comma < rules.degreeDigits || comma + 1 >= text.size())
         return false;
     const double read =
@@ -175,9 +174,9 @@ bool QGpsKrd::parseFields(const QString &text)
     double latitude = 0;
     double longitude = 0;
     int comma = 0;
-    if (!parseCoordinate(QStringRef(&text), latitudeRules, latitude, comma))
+    if (!parseCoordinate(platform::partFrom(text, 0), latitudeRules, latitude, comma))
         return false;
-    const QStringRef rest = text.midRef(comma + behindHemisphere);
+    const platform::TextPart rest = platform::partFrom(text, comma + behindHemisphere);
     if (!parseCoordinate(rest, longitudeRules, longitude, comma))
         return false;
     m_lat = latitude;

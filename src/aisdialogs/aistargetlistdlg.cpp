@@ -196,7 +196,7 @@ void AisTargetListDlg::fillRow(int row, const QAisTarget &target)
 {
     const auto put = [this, row](int column, const QString &text, Qt::Alignment alignment) {
         auto *item = new ListItem(text);
-        item->setTextAlignment(int(alignment));
+        item->setTextAlignment(alignment);
         ui->ais_list->setItem(row, column, item);
     };
     const Qt::Alignment left = Qt::AlignLeft | Qt::AlignVCenter;

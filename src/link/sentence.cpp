@@ -1,6 +1,6 @@
 #include "link/sentence.h"
 
-#include <QStringRef>
+#include "platform/qtversion.h"
 
 namespace {
 
@@ -20,8 +20,8 @@ quint8 latin1At(const QString &text, int index)
 
 bool calcChecksum(const QString &text, quint8 &checksum)
 {
-    const int mark = text.indexOf(checksumMark);
-    const int end = mark < 0 ? text.size() : mark;
+    const int mark = int(text.indexOf(checksumMark));
+    const int end = mark < 0 ? int(text.size()) : mark;
 
     quint8 sum = 0;
     if (text.size() > firstSummedIndex)
@@ -38,11 +38,11 @@ bool testChecksum(const QString &line)
     quint8 computed = 0;
     if (!calcChecksum(line, computed))
         return false;
-    const int mark = line.indexOf(checksumMark);
+    const int mark = int(line.indexOf(checksumMark));
     if (mark <= lastDegenerateMark || mark >= line.size() - 2)
         return false;
     bool isNumber = false;
-    const uint stated = line.midRef(mark + 1).toUInt(&isNumber, 16);
+    const uint stated = platform::partFrom(line, mark + 1).toUInt(&isNumber, 16);
     return isNumber && stated == computed;
 }
 

@@ -3,9 +3,11 @@
 #include "link/fieldreader.h"
 #include "link/nmeaserialport.h"
 #include "link/sentence.h"
+#include "platform/qtversion.h"
 
 #include <QPointer>
-#include <QStringRef>
+
+using platform::TextPart;
 
 namespace {
 
@@ -27,7 +29,7 @@ QChar listSeparator(int index, int count)
 template <typename Take> void readList(FieldReader &fields, int count, Take take)
 {
     for (int i = 0; i < count; ++i) {
-        QStringRef text;
+        TextPart text;
         if (!fields.cut(listSeparator(i, count), text) || !take(i, text))
             return;
     }
@@ -90,7 +92,7 @@ void SentenceParser::parse(const QString &str)
             || code[2] != QLatin1Char(row.code[2])) {
             continue;
         }
-        const bool hasForm = row.form == Form::Bare ? str.midRef(headLength).startsWith(lineEnd)
+        const bool hasForm = row.form == Form::Bare ? platform::partFrom(str, headLength).startsWith(lineEnd)
                                                     : str.at(headLength) == comma;
         if (!hasForm)
             return;
@@ -123,7 +125,7 @@ void SentenceParser::parseWhole(const QString &str)
 template <void (NmeaSerialPort::*raised)(QString)>
 void SentenceParser::parseText(const QString &str)
 {
-    QStringRef text;
+    TextPart text;
     if (FieldReader(str).cut(star, text))
         (m_link->*raised)(text.toString());
 }
@@ -188,7 +190,7 @@ void SentenceParser::parsePortNames(const QString &str)
 {
     constexpr int namesPerSentence = 6;
     FieldReader fields(str);
-    QStringRef type;
+    TextPart type;
     quint32 first = 0;
     if (!fields.cut(comma, type) || type.size() != 1)
         return;
@@ -198,7 +200,7 @@ void SentenceParser::parsePortNames(const QString &str)
     if (!fields.cutNumber(comma, first) || (first != 0 && first != namesPerSentence))
         return;
     const QPointer<NmeaSerialPort> link(m_link);
-    readList(fields, namesPerSentence, [&](int i, const QStringRef &name) {
+    readList(fields, namesPerSentence, [&](int i, const TextPart &name) {
         emit link->signalVRNewPortName(isOutput, quint8(first + quint32(i)), name.toString());
         return !link.isNull();
     });
@@ -213,7 +215,7 @@ void SentenceParser::parseHeaders(const QString &str)
     if (!fields.cutNumber(comma, port) || !fields.skip(comma))
         return;
     const QPointer<NmeaSerialPort> link(m_link);
-    readList(fields, channelCount, [&](int channel, const QStringRef &header) {
+    readList(fields, channelCount, [&](int channel, const TextPart &header) {
         if (!header.isEmpty() && header.size() != headerLength)
             return false;
         emit link->signalVRNewHdr(quint8(port), channel, header.toString());
@@ -231,7 +233,7 @@ void SentenceParser::parseFilterList(const QString &str)
     if (!fields.cutNumber(comma, first))
         return;
     const QPointer<NmeaSerialPort> link(m_link);
-    readList(fields, namesPerSentence, [&](int i, const QStringRef &formatter) {
+    readList(fields, namesPerSentence, [&](int i, const TextPart &formatter) {
         if (!formatter.isEmpty() && formatter.size() != formatterLength)
             return false;
         emit link->signalVRNewFilterStr(quint8(first + quint32(i)), formatter.toString());
@@ -256,7 +258,7 @@ void SentenceParser::parseErrors(const QString &str)
     constexpr int codeDigits = 4;
     constexpr int faultStart = 5;
     constexpr int faultDigits = 2;
-    const QStringRef fields = FieldReader(str).rest();
+    const TextPart fields = FieldReader(str).rest();
     bool isCode = false;
     bool isFault = false;
     const quint32 code = fields.left(codeDigits).toUInt(&isCode, 16);
@@ -291,7 +293,7 @@ void SentenceParser::parseStatus(const QString &str)
 void SentenceParser::parseSerial(const QString &str)
 {
     constexpr int byteCount = 16;
-    QStringRef digits;
+    TextPart digits;
     if (!FieldReader(str).cut(star, digits) || digits.size() != 2 * byteCount)
         return;
     QByteArray block;
@@ -308,7 +310,7 @@ void SentenceParser::parseSerial(const QString &str)
 // $VRPWS,OK*hh or $VRPWS,ERROR*hh
 void SentenceParser::parsePasswordAnswer(const QString &str)
 {
-    const QStringRef answer = FieldReader(str).rest();
+    const TextPart answer = FieldReader(str).rest();
     if (answer.startsWith(QLatin1String("OK")))
         emit m_link->signalVRSetPasswordAnswer(true);
     else if (answer.startsWith(QLatin1String("ERROR")))
@@ -320,8 +322,8 @@ void SentenceParser::parseLock(const QString &str)
 {
     constexpr quint8 highestLevel = 5;
     FieldReader fields(str);
-    QStringRef enabled;
-    QStringRef levelText;
+    TextPart enabled;
+    TextPart levelText;
     if (!fields.cut(comma, enabled) || enabled.size() != 1)
         return;
     const bool hasPassword = enabled.at(0) == QLatin1Char('1');

@@ -137,7 +137,7 @@ FirmwarePacket MainWindow::sendFirmwarePacket()
 void MainWindow::showFirmwareProgress()
 {
     firmware_progress->findChild<QProgressBar *>()->setValue(
-        firmwareProgress(firmware_packet, firmware_buffer.size()));
+        firmwareProgress(firmware_packet, int(firmware_buffer.size())));
 }
 
 // In any state: the router knows best when it has everything.

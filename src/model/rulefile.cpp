@@ -61,7 +61,7 @@ public:
 
     void writeName(const QString &name)
     {
-        writeText(name, name.size());
+        writeText(name, int(name.size()));
         writeByte(0);
     }
 
@@ -117,10 +117,10 @@ bool readNumber(QIODevice &device, quint32 &number)
 QString peekText(QIODevice &device, int count)
 {
     QByteArray bytes = device.peek(count);
-    const int lineFeed = bytes.indexOf('\n');
+    const auto lineFeed = bytes.indexOf('\n');
     if (lineFeed >= 0)
         bytes.truncate(lineFeed + 1);
-    const int zero = bytes.indexOf('\0');
+    const auto zero = bytes.indexOf('\0');
     if (zero >= 0)
         bytes.truncate(zero);
     return QString::fromUtf8(bytes.constData(), bytes.size());

@@ -191,7 +191,7 @@ RouterSession::Outcome RouterSession::upload(const RouterModel &model)
     const QStringList sentences = uploadSentences(model);
     int sent = 0;
     for (const QString &sentence : sentences) {
-        emit progress(QStringLiteral("Sending the rules"), sent * Hundred / sentences.size());
+        emit progress(QStringLiteral("Sending the rules"), sent * Hundred / int(sentences.size()));
         send(sentence);
         const Outcome outcome = wait(Awaited::Nothing, SendInterval, Outcome::Ok);
         if (outcome != Outcome::Ok)

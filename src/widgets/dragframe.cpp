@@ -1,5 +1,7 @@
 #include "widgets/dragframe.h"
 
+#include "platform/qtversion.h"
+
 #include <QApplication>
 #include <QDrag>
 #include <QDragEnterEvent>
@@ -32,7 +34,7 @@ void DragFrame::letGo()
 
 void DragFrame::mousePressEvent(QMouseEvent *event)
 {
-    QWidget *child = childAt(event->localPos().toPoint());
+    QWidget *child = childAt(platform::positionOf(event));
     armed = false;
     const bool isLeft = event->buttons() & Qt::LeftButton;
     const bool isRight = event->buttons() & Qt::RightButton;
@@ -46,7 +48,7 @@ void DragFrame::mousePressEvent(QMouseEvent *event)
         return;
     setFrameStyle(pressedStyle);
     emit signalPressEvent(this);
-    press_point = event->localPos().toPoint();
+    press_point = platform::positionOf(event);
     child_position = child->pos();
     drag_pixmap = QPixmap(child->size());
     child->render(&drag_pixmap, QPoint(), QRegion(),
@@ -61,7 +63,7 @@ void DragFrame::mouseMoveEvent(QMouseEvent *event)
 {
     if (!armed)
         return;
-    const int distance = (event->localPos().toPoint() - press_point).manhattanLength();
+    const int distance = (platform::positionOf(event) - press_point).manhattanLength();
     if (event->buttons() & Qt::LeftButton && distance > QApplication::startDragDistance()) {
         setFrameStyle(restStyle);
         startDrag();

@@ -1,11 +1,13 @@
 #include "widgets/qmlineedit.h"
 
+#include "platform/qtversion.h"
+
 #include <QApplication>
 #include <QDropEvent>
 #include <QKeyEvent>
 #include <QMimeData>
-#include <QRegExpValidator>
 #include <QRegularExpression>
+#include <QRegularExpressionValidator>
 #include <QSignalBlocker>
 
 namespace {
@@ -30,8 +32,8 @@ QString allowed(QString text)
 
 QMLineEdit::QMLineEdit()
 {
-    setValidator(new QRegExpValidator(
-        QRegExp(QStringLiteral("[a-z -Z]*"), Qt::CaseSensitive, QRegExp::RegExp), this));
+    setValidator(new QRegularExpressionValidator(
+        QRegularExpression(QStringLiteral("[a-z -Z]*")), this));
     grabMouse();
     setDragEnabled(false);
     setContextMenuPolicy(Qt::CustomContextMenu);
@@ -99,8 +101,7 @@ void QMLineEdit::dropEvent(QDropEvent *event)
 {
     QMimeData text;
     text.setText(allowed(event->mimeData()->text()));
-    QDropEvent drop(event->posF(), event->possibleActions(), &text, event->mouseButtons(),
-                    event->keyboardModifiers());
+    QDropEvent drop = platform::dropOf(&text, event);
     QLineEdit::dropEvent(&drop);
     event->setDropAction(drop.dropAction());
     event->setAccepted(drop.isAccepted());

@@ -5,7 +5,7 @@
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QMouseEvent>
-#include <QRegExpValidator>
+#include <QRegularExpressionValidator>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -148,11 +148,10 @@ void TestQMLineEdit::construction()
 
 void TestQMLineEdit::validator()
 {
-    const auto *validator = qobject_cast<const QRegExpValidator *>(m_editor->validator());
+    const auto *validator = qobject_cast<const QRegularExpressionValidator *>(m_editor->validator());
     QVERIFY(validator);
     QCOMPARE(validator->parent(), m_editor);
-    QCOMPARE(validator->regExp(),
-             QRegExp(QStringLiteral("[a-z -Z]*"), Qt::CaseSensitive, QRegExp::RegExp));
+    QCOMPARE(validator->regularExpression(), QRegularExpression(QStringLiteral("[a-z -Z]*")));
 }
 
 void TestQMLineEdit::grabsTheMouse()
