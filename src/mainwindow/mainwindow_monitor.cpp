@@ -187,6 +187,7 @@ void MainWindow::setViewWidths(const SpeedViewWidths &widths, int delta)
         fittedToScreen(this, QRect(geometry().topLeft(), QSize(widths.window, height())));
     setFixedWidth(place.width());
     setGeometry(place);
+    // On a screen that is narrower than both views the width stays, and no resize event comes.
     fixPanelHeight(ui->statusBar->maximumHeight());
     setAreaBottoms();
 }
