@@ -2,6 +2,7 @@
 #include "mainwindow/matrixstyle.h"
 #include "model/sentencebuilders.h"
 #include "model/viewcode.h"
+#include "platform/pointer.h"
 #include "ui_mainwindow.h"
 #include "widgets/dragframe.h"
 #include "widgets/qmlineedit.h"
@@ -163,6 +164,7 @@ bool MainWindow::event(QEvent *event)
 void MainWindow::letGoOfMouse()
 {
     QDrag::cancel();
+    platform::takePointerFromDrag();
     if (pressed_frame)
         pressed_frame->letGo();
     if (name_editor)

@@ -1,5 +1,6 @@
 #include "widgets/dragframe.h"
 
+#include "platform/pointer.h"
 #include "platform/qtversion.h"
 
 #include <QApplication>
@@ -80,9 +81,7 @@ void DragFrame::startDrag()
     drag->setPixmap(drag_pixmap);
     drag->setHotSpot(press_point - child_position);
     drag->exec(Qt::MoveAction);
-    // On Windows the picture stays in the pointer's place until a window asks for another pointer.
-    window()->setCursor(Qt::ClosedHandCursor);
-    window()->unsetCursor();
+    platform::takePointerFromDrag();
 }
 
 void DragFrame::mouseReleaseEvent(QMouseEvent *event)

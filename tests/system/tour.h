@@ -96,7 +96,7 @@ private:
     void openEditor(const QRect &place);
     void dragLabel(const QRect &from, const QRect &to);
     void awaitNoDrag();
-    void awaitNoDragUnderBox();
+    void awaitBoxOverDrag(const QString &title, int milliseconds);
     void clickBoxOverDrag();
 
     // tour_monitor.cpp

@@ -9,6 +9,7 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QProcess>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -163,19 +164,25 @@ QString Tour::connectAgain()
     return QStringLiteral("the saved configuration comes down, with the name");
 }
 
-// A box over a drag ends it. On Windows a blocked window leaves the pointer as it is, until the hand
-// comes to the box.
-void Tour::awaitNoDragUnderBox()
+// A box over a drag ends it, wherever the hand is at that moment.
+void Tour::awaitBoxOverDrag(const QString &title, int milliseconds)
 {
-    if (m_tool.isForWindows())
-        m_tool.glideTo(m_box.place.center());
+    constexpr int tremblePace = 5; // ms
+    QTimer hand;
+    int step = 1;
+    QObject::connect(&hand, &QTimer::timeout, &hand, [&] {
+        step = -step;
+        m_tool.desktop().moveTo(m_tool.desktop().pointer() + QPoint(step, 0));
+    });
+    hand.start(tremblePace);
+    m_box = m_tool.awaitWindow(title, milliseconds);
+    hand.stop();
     awaitNoDrag();
 }
 
 // The hand can let go, and the first click on the box counts.
 void Tour::clickBoxOverDrag()
 {
-    awaitNoDragUnderBox();
     m_tool.desktop().release(XDesktop::LeftButton);
     // The one button of a box lies in its lower right corner.
     const QPoint corner(m_box.place.width(), m_box.place.height());
@@ -189,8 +196,7 @@ QString Tour::dragIntoDownload()
     dragLabel(m_tool.map().inputHome(Story::refusedInput),
               m_tool.map().mainCell(Story::freeChannel + 1));
     m_router.sendLine("$VRWBL\r\n");
-    m_box = m_tool.awaitWindow(Story::routerTitle, Limit::box);
-    awaitNoDragUnderBox();
+    awaitBoxOverDrag(Story::routerTitle, Limit::box);
     // With the button still held down the window goes on painting.
     const QRect labels = m_tool.map().connectionLabels();
     const QImage before = m_tool.look(labels);
@@ -209,7 +215,8 @@ QString Tour::connectFromEverySpeed()
         m_tool.click(m_tool.map().connectButton());
         m_box = m_tool.awaitWindow(Story::routerTitle, Limit::box);
     };
-    for (const int speed : {9600, 19200, 38400, 57600, 115200, RouterSimulator::defaultStartSpeed}) {
+    for (const int speed :
+         {9600, 19200, 38400, 57600, 115200, RouterSimulator::defaultStartSpeed}) {
         askToDisconnect();
         disconnect();
         m_router.setStartSpeed(speed);
@@ -224,10 +231,9 @@ QString Tour::openTakenPort()
     m_box = m_tool.awaitWindow(Story::routerTitle, Limit::box);
     disconnect();
 
-    const QString program =
-        QFileInfo(m_options.tool).absolutePath() + QStringLiteral("/tk7-rules");
-    const QStringList arguments{QStringLiteral("record"), QStringLiteral("--input"), QStringLiteral("0"),
-                          ports().sparePort};
+    const QString program = QFileInfo(m_options.tool).absolutePath() + QStringLiteral("/tk7-rules");
+    const QStringList arguments{QStringLiteral("record"), QStringLiteral("--input"),
+                                QStringLiteral("0"), ports().sparePort};
     QProcess other;
     other.start(program, arguments);
     await([this] { return m_spareRouter.isConnected(); }, Limit::download,
@@ -253,7 +259,7 @@ QString Tour::dragIntoTimeout()
     m_router.unplug();
     dragLabel(m_tool.map().inputHome(Story::refusedInput),
               m_tool.map().mainCell(Story::freeChannel + 1));
-    m_box = m_tool.awaitWindow(linkTitle, timeoutLimit + timeoutMargin);
+    awaitBoxOverDrag(linkTitle, timeoutLimit + timeoutMargin);
     clickBoxOverDrag();
     awaitIdle();
     m_router.restart();
@@ -314,8 +320,8 @@ void Tour::awaitIdle()
           Limit::paint, QStringLiteral("the window still tells of a connection"));
 }
 
-// All speeds are shown already, so none goes back to the router. It is asked at its start speed and at
-// the fast one, which may be the same.
+// All speeds are shown already, so none goes back to the router. It is asked at its start speed and
+// at the fast one, which may be the same.
 void Tour::connectAndDownload(int queries)
 {
     m_tool.click(m_tool.map().connectButton());

@@ -1,0 +1,7 @@
+#include "platform/pointer.h"
+
+namespace platform {
+
+void takePointerFromDrag() { }
+
+} // namespace platform
