@@ -66,3 +66,19 @@ void Listener::expectNothing() const
             QStringLiteral("the router should have heard nothing, but it heard %1")
                 .arg(listOf(textsOf(all))));
 }
+
+QString Listener::last() const
+{
+    constexpr int most = 12;
+    constexpr double microsecondsPerSecond = 1000000;
+    const auto &transcript = m_router.transcript();
+    QString text;
+    for (int i = std::max(0, int(transcript.size()) - most); i < transcript.size(); ++i) {
+        const double age = double(tk7sim::RouterSimulator::now() - transcript[i].microseconds)
+            / microsecondsPerSecond;
+        text += QStringLiteral("%1 s  %2\n")
+                    .arg(age, 6, 'f', 1)
+                    .arg(QString::fromLatin1(transcript[i].line.trimmed()));
+    }
+    return text;
+}

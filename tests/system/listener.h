@@ -30,6 +30,8 @@ public:
     QList<tk7sim::ReceivedLine> expect(const QList<QByteArray> &lines, int milliseconds);
     //! Ends the tour if anything at all was heard since then.
     void expectNothing() const;
+    //! The last lines, checked, left out or not: one a line, with its time.
+    QString last() const;
 
 private:
     const tk7sim::RouterSimulator &m_router;

@@ -18,6 +18,8 @@ constexpr double usualTraffic = 1;
 // The first that has all functions of the service.
 constexpr int versionMajor = 4;
 constexpr int versionMinor = 0;
+// What the router answers to the question for a sign of life.
+const QByteArray signOfLife = QByteArrayLiteral("$VRERR,0000,00");
 
 } // namespace
 
@@ -74,7 +76,8 @@ const Tour::Step Tour::steps[] = {
     {"disconnected", "answer Ok", &Tour::confirmDisconnect},
     {"again", "connect again", &Tour::connectAgain},
     {"drag-download", "drag a label until a download ends under it", &Tour::dragIntoDownload},
-    {"service", "press the logo without a Ctrl key, with the right and with the left one", &Tour::watchCounters},
+    {"service", "press the logo without a Ctrl key, with the right and with the left one",
+     &Tour::watchCounters},
     {"chip-id", "press CHIP ID", &Tour::switchChipId},
     {"cleared", "press Clear Status", &Tour::clearCounters},
     {"password", "press LOCK, type a password", &Tour::typePassword},
@@ -117,6 +120,8 @@ Tour::Tour(const Options &options)
     : m_options(options), m_expected(RouterConfig::factory()), m_listener(m_router),
       m_traffic(&m_router), m_ais(&m_router)
 {
+    QObject::connect(&m_signsOfLife, &QTimer::timeout, &m_router,
+                     [this] { m_router.sendChecked(signOfLife); });
 }
 
 bool Tour::run()
@@ -181,6 +186,8 @@ bool Tour::runStep(int number, const Step &step)
     std::fflush(stdout);
     if (isGood)
         return true;
+    std::fprintf(stderr, "The router has heard, and when before now:\n%s",
+                 qPrintable(m_listener.last()));
     if (m_tool.isRunning())
         savePicture(number, QLatin1String(step.name) + QStringLiteral("-failed"));
     const QString output = m_tool.output();

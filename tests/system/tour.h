@@ -14,6 +14,7 @@
 #include <QImage>
 #include <QString>
 #include <QThreadPool>
+#include <QTimer>
 
 #include <functional>
 
@@ -139,9 +140,8 @@ private:
     QString awaitSaved();
     QString filesFolder() const;
     QString ruleFile() const;
-    enum Consequence { Nothing, Upload };
-    void enterFileName(const QString &title, const QString &file, Consequence consequence = Nothing);
-    void awaitSignOfLife();
+    void enterFileName(const QString &title, const QString &file);
+    void speakDuringUpload();
 
     // tour_service.cpp
     QString watchCounters();
@@ -209,6 +209,7 @@ private:
     Tool m_tool;
     int m_output = 0;             // the output port that the window shows
     qint64 m_saveAccepted = 0;    // by the router's clock
+    QTimer m_signsOfLife;         // each brings one from the router
     XDesktop::Window m_box;       // the open message box or dialog
     XDesktop::Window m_editor;    // the filter editor below it
     XDesktop::Window m_service;   // the service dialog

@@ -40,12 +40,14 @@ QString Tour::saveFile()
 QString Tour::loadFile()
 {
     m_tool.click(m_tool.map().loadFromFile());
-    enterFileName(QStringLiteral("Load rules"), ruleFile(), Upload);
+    speakDuringUpload();
+    enterFileName(QStringLiteral("Load rules"), ruleFile());
     m_expected = m_saved;
     // Names have been given that only now reach the router.
     m_expected.inputNames[Story::namedInput] = Story::newName.toLatin1();
     m_expected.outputNames[Story::namedOutput] = Story::newOutputName.toLatin1();
     m_listener.expect(Conversation::upload(m_expected), Limit::upload);
+    m_signsOfLife.stop();
     m_box = m_tool.awaitWindow(Story::routerTitle, Limit::box);
     require(m_router.working() == m_expected,
             QStringLiteral("the router's rules aren't those of the file"));
@@ -66,7 +68,7 @@ QString Tour::pressSave()
 
 QString Tour::confirmSave()
 {
-    awaitSignOfLife();
+    speakDuringUpload();
     m_saveAccepted = tk7sim::RouterSimulator::now();
     m_tool.acceptBox(m_box);
     const QRect place = m_tool.awaitPopup(Limit::popup).place;
@@ -79,6 +81,7 @@ QString Tour::awaitSaved()
 {
     const QList<ReceivedLine> upload =
         m_listener.expect(Conversation::save(m_expected), Limit::upload);
+    m_signsOfLife.stop();
     // Any line may have been heard late, never too early: so the time is that since the click.
     const double pace = static_cast<double>(upload.constLast().microseconds - m_saveAccepted)
         / Conversation::uploadLength / microsecondsPerMillisecond;
@@ -108,23 +111,17 @@ QString Tour::ruleFile() const
     return filesFolder() + QStringLiteral("/rules.vrr");
 }
 
-// An upload takes two seconds. A question for a sign of life that comes at its beginning waits at the end
-// of the queue and, on a busy machine, finds its answer too late: the link ends. So the upload comes
-// right behind such a question.
-void Tour::awaitSignOfLife()
+// An upload takes two seconds, and the question for a sign of life waits at its end. On a busy
+// machine its answer would come too late, and the link would end: so the router speaks meanwhile.
+void Tour::speakDuringUpload()
 {
-    const int before = m_router.transcript().size();
-    const auto isAsked = [&] {
-        const auto &heard = m_router.transcript();
-        return std::any_of(heard.cbegin() + before, heard.cend(),
-                           [](const ReceivedLine &line) { return line.line == "$VRCNC\r\n"; });
-    };
-    await(isAsked, Limit::download, QStringLiteral("the tool doesn't ask for a sign of life"));
+    constexpr int interval = 500; // ms
+    m_signsOfLife.start(interval);
 }
 
 // The list of suggestions under the name may take a Return for itself, and a folder that is still
 // being read may change what was typed: so the name is typed afresh at every try.
-void Tour::enterFileName(const QString &title, const QString &file, Consequence consequence)
+void Tour::enterFileName(const QString &title, const QString &file)
 {
     constexpr int settle = 500; // until the dialog has read its folder, or shown its suggestions
     constexpr int closeLimit = 1500;
@@ -146,8 +143,6 @@ void Tour::enterFileName(const QString &title, const QString &file, Consequence 
         desktop.strike("a", "Control_L");
         desktop.type(QFileInfo(file).fileName());
         runFor(settle);
-        if (consequence == Upload)
-            awaitSignOfLife();
         desktop.strike("Return");
         if (waitUntil(isClosed, closeLimit))
             return;
