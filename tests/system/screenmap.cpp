@@ -146,6 +146,11 @@ QRect ScreenMap::inputHome(int port) const
               dragFrame.height());
 }
 
+QRect ScreenMap::inputSpeed(int port) const
+{
+    return at(inputColumn.x() + 98, inputColumn.y() + 2 + channelPitch * port, 47, 31);
+}
+
 QRect ScreenMap::monitorTitle() const
 {
     return at(panel.x() + 140, panel.y() + 6, 245, 16);

@@ -48,6 +48,7 @@ public:
 
     // The column of the input ports
     QRect inputHome(int port) const;
+    QRect inputSpeed(int port) const; //!< while the window is widened
 
     // The panel at the bottom
     QRect monitorTitle() const;

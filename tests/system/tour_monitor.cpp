@@ -77,6 +77,18 @@ QString Tour::widenWindow()
 {
     m_tool.click(m_tool.map().speedViewButton());
     awaitSize(m_unfolded.width() + m_tool.map().speedViewWidth(), m_unfolded.height());
+    const auto hasText = [this](int port) {
+        const int border = m_tool.map().scaled(6);
+        const QImage inner =
+            m_tool.look(m_tool.map().inputSpeed(port))
+                .copy(border, border, m_tool.map().scaled(35), m_tool.map().scaled(19));
+        const double ground = shareOf(inner, inner.pixelColor(0, 0));
+        return ground > Story::mostly && ground < 1;
+    };
+    for (int port = 0; port < tk7sim::portCount; ++port) {
+        await([&] { return hasText(port); }, Limit::paint,
+              QStringLiteral("there is no speed beside input port %1").arg(port));
+    }
     return QStringLiteral("the window is wider, with a speed beside each input port");
 }
 
