@@ -12,7 +12,7 @@ void LineAssembler::add(const char *data, int size)
 
 bool LineAssembler::takeLine(QByteArray &line)
 {
-    while (hasMore()) {
+    while (m_next != m_bytes.size()) {
         const char byte = m_bytes.at(m_next++);
         if (byte == '$' || byte == '!')
             m_lineSize = 0;

@@ -20,8 +20,8 @@ public:
     /*! Puts a copy of \a size bytes behind those that are there. */
     void add(const char *data, int size);
 
-    /*! Whether bytes are left that haven't been cut yet. */
-    bool hasMore() const { return m_next != m_bytes.size(); }
+    /*! Whether the end of a line is among the bytes that haven't been cut yet. */
+    bool hasLineEnd() const { return m_bytes.indexOf('\n', m_next) >= 0; }
 
     /*! Cuts as far as the end of the next line and puts it, with its LF, into \a line. */
     bool takeLine(QByteArray &line);

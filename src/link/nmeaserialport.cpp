@@ -269,10 +269,11 @@ void NmeaSerialPort::receiveBytes(const char *data, int size)
 }
 
 // A slot may open a box. What stands behind its sentence follows in the event loop of the box, and
-// doesn't wait for the next byte.
+// doesn't wait for the next byte. The first half of a line has to: most sentences have one behind
+// them, and each turn of the event loop costs more than a sentence.
 void NmeaSerialPort::readOnInEventLoop()
 {
-    const bool isAllRead = !lines.hasMore() && (!serial || serial->bytesAvailable() == 0);
+    const bool isAllRead = !lines.hasLineEnd() && (!serial || serial->bytesAvailable() == 0);
     if (isAllRead || readsOn)
         return;
     readsOn = true;

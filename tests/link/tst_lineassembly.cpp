@@ -14,7 +14,7 @@ private slots:
     void linesInPieces_data() { lines_data(); }
     void linesInPieces();
     void bytesAddedBetweenTwoLines();
-    void hasMore();
+    void hasLineEnd();
     void droppedLine_data();
     void droppedLine();
     void bytesAreCopied();
@@ -154,22 +154,21 @@ void tst_LineAssembly::bytesAddedBetweenTwoLines()
     QCOMPARE(takenFrom(assembler), QByteArrayList{"$FIFTH\r\n"});
 }
 
-void tst_LineAssembly::hasMore()
+void tst_LineAssembly::hasLineEnd()
 {
     LineAssembler assembler;
     QByteArray line;
-    QVERIFY(!assembler.hasMore());
-    add(assembler, "$FIRST\r\n$SECOND\r\n");
-    QVERIFY(assembler.hasMore());
+    QVERIFY(!assembler.hasLineEnd());
+    add(assembler, "$FIRST\r\n$SECOND\r\n$THI");
+    QVERIFY(assembler.hasLineEnd());
     QVERIFY(assembler.takeLine(line));
-    QVERIFY(assembler.hasMore());
+    QVERIFY(assembler.hasLineEnd());
     QVERIFY(assembler.takeLine(line));
-    QVERIFY(!assembler.hasMore());
-    // Half a line is cut as far as it goes.
-    add(assembler, "$THI");
-    QVERIFY(assembler.hasMore());
-    QVERIFY(!assembler.takeLine(line));
-    QVERIFY(!assembler.hasMore());
+    QVERIFY(!assembler.hasLineEnd());
+    add(assembler, "RD\r\n");
+    QVERIFY(assembler.hasLineEnd());
+    QVERIFY(assembler.takeLine(line));
+    QVERIFY(!assembler.hasLineEnd());
 }
 
 void tst_LineAssembly::droppedLine_data()

@@ -24,6 +24,8 @@ private slots:
     void everyChunkSize();
     void closePortDropsTheLineInHand();
 
+    void readsOnBehindASentence_data();
+    void readsOnBehindASentence();
     void nestedBlockComesBehindTheRest();
     void nestedEventLoopKeepsTheOrder();
     void nestedThrice();
@@ -187,6 +189,52 @@ void tst_NmeaSerialPortLines::closePortDropsTheLineInHand()
     m_link->closePort();
     feed(".4\r\n$VRWBL\r\n");
     QCOMPARE(m_journal->texts(), QStringList{proprietary("$VRWBL\r\n")});
+}
+
+namespace {
+
+// The events that an object posts to itself.
+class OwnEvents : public QObject
+{
+public:
+    explicit OwnEvents(QObject *object) { object->installEventFilter(this); }
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        m_count += event->type() == QEvent::MetaCall;
+        return false;
+    }
+
+    int count() const { return m_count; }
+
+private:
+    int m_count = 0;
+};
+
+} // namespace
+
+void tst_NmeaSerialPortLines::readsOnBehindASentence_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<int>("turns");
+    QTest::newRow("nothing behind it") << QByteArray("$VRWBL\r\n") << 0;
+    QTest::newRow("half a line behind it") << QByteArray("$VRWBL\r\n$VRAIM,1,1") << 0;
+    QTest::newRow("a line behind it") << QByteArray("$VRWBL\r\n$VRWBL\r\n") << 1;
+    QTest::newRow("a line and a half behind it")
+        << QByteArray("$VRWBL\r\n$SDDPT,2.4\r\n$VRA") << 1;
+    QTest::newRow("once for all") << QByteArray("$VRWBL\r\n").repeated(9) << 1;
+    QTest::newRow("no sentence") << QByteArray("$SDDPT,2.4\r\n$SDDPT,2.4\r\n") << 0;
+}
+
+// A turn of the event loop for each would cost more than the sentences themselves.
+void tst_NmeaSerialPortLines::readsOnBehindASentence()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(int, turns);
+    const OwnEvents events(m_link.get());
+    feed(bytes);
+    QCoreApplication::sendPostedEvents(m_link.get());
+    QCOMPARE(events.count(), turns);
 }
 
 void tst_NmeaSerialPortLines::nestedBlockComesBehindTheRest()
