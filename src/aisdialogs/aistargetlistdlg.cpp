@@ -38,8 +38,14 @@ public:
 
     bool operator<(const QTableWidgetItem &other) const override
     {
-        return m_text < static_cast<const ListItem &>(other).m_text;
+        const auto &cell = static_cast<const ListItem &>(other);
+        const bool isPassing = m_passesEquals || cell.m_passesEquals;
+        return isPassing ? m_text <= cell.m_text : m_text < cell.m_text;
     }
+
+    // A table that sorts puts a cell that is written before its equals; while this is set, behind
+    // them.
+    void setPassesEquals(bool passes) { m_passesEquals = passes; }
 
     void setData(int role, const QVariant &value) override
     {
@@ -73,6 +79,7 @@ private:
 
     QString m_text;
     double m_number = 0;
+    bool m_passesEquals = false;
 };
 
 ListItem *cellAt(const QTableWidget *table, int row, int column)
@@ -222,38 +229,28 @@ void AisTargetListDlg::slotUpdateTarget(uint mmsi)
                              target->m_staticValid ? nameOf(*target) : name, rangeOf(target)};
     if (name == texts[nameColumn] && textAt(table, row, rangeColumn) == texts[rangeColumn])
         return;
-    // Found before any is written: with sorting on, the row moves.
+    // Found before any is written: the row moves.
     QTableWidgetItem *const cells[] = {table->item(row, nameColumn), table->item(row, rangeColumn)};
-    const auto write = [&cells, &texts] {
-        writeText(cells[0], texts[nameColumn]);
-        writeText(cells[1], texts[rangeColumn]);
-    };
-    if (findsItsPlace(row, texts[table->horizontalHeader()->sortIndicatorSection()])) {
-        m_pace->beginChange();
-        write();
-    } else {
-        changeAndSort(write);
-    }
+    const int column = table->horizontalHeader()->sortIndicatorSection();
+    ListItem *place = cellAt(table, row, column);
+    m_pace->beginChange();
+    // As if all rows were sorted anew.
+    place->setPassesEquals(goesUp(row, texts[column]));
+    writeText(cells[0], texts[nameColumn]);
+    writeText(cells[1], texts[rangeColumn]);
+    place->setPassesEquals(false);
 }
 
-// Whether \a row, left to a table that goes on sorting, gets the place that a sort would give it
-// when it reads \a text in the column sorted by. The table puts it before its equals. That is its
-// place on the way down; on the way up it is behind them.
-bool AisTargetListDlg::findsItsPlace(int row, const QString &text) const
+// Whether \a row goes up when it reads \a text in the column sorted by. Rows that are equal keep
+// their order, so it stands behind its equals then, and before them on the way down.
+bool AisTargetListDlg::goesUp(int row, const QString &text) const
 {
     const QTableWidget *table = ui->ais_list;
     const QHeaderView *header = table->horizontalHeader();
-    const int column = header->sortIndicatorSection();
-    const bool isAscending = header->sortIndicatorOrder() == Qt::AscendingOrder;
-    int above = row - 1;
-    while (above >= 0) {
-        const QString &other = textAt(table, above, column);
-        if (isAscending ? other <= text : other >= text)
-            break;
-        --above;
-    }
-    const bool goesUp = above < row - 1;
-    return !goesUp || above < 0 || textAt(table, above, column) != text;
+    if (row == 0)
+        return false;
+    const QString &above = textAt(table, row - 1, header->sortIndicatorSection());
+    return header->sortIndicatorOrder() == Qt::AscendingOrder ? text < above : text > above;
 }
 
 void AisTargetListDlg::slotDeleteTarget(uint mmsi)

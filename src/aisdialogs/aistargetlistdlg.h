@@ -52,7 +52,7 @@ private:
     template <typename Change> void changeAndSort(const Change &change);
     void fillRow(int row, const QAisTarget &target);
     int rowOf(uint mmsi) const;
-    bool findsItsPlace(int row, const QString &text) const;
+    bool goesUp(int row, const QString &text) const;
     void showTarget(int row);
     void showCurrentTarget();
     bool isInfoOf(const QAisTarget *target) const;
