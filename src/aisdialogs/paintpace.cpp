@@ -6,7 +6,7 @@
 
 PaintPace::PaintPace(QTableWidget *table) : QObject(table), m_table(table)
 {
-    constexpr int interval = 800; // ms
+    constexpr int interval = 1000; // ms
     m_frame.setSingleShot(true);
     m_frame.setInterval(interval);
     connect(&m_frame, &QTimer::timeout, this, &PaintPace::paintNow);

@@ -8,7 +8,7 @@ class QTableWidget;
 QT_END_NAMESPACE
 
 /*!
- * Paints a table whose rows change all the time at most each 800 ms. A table paints all of itself
+ * Paints a table whose rows change all the time at most once a second. A table paints all of itself
  * whenever it is sorted, and the eye follows no faster. What the user does shows at once.
  *
  * Nothing but the painting waits: texts, order and signals are those of any table.
@@ -23,7 +23,7 @@ public:
 
     /*!
      * To be called before rows change. The first change after a quiet while is painted at once,
-     * those that follow wait until 800 ms are over.
+     * those that follow wait until the second is over.
      */
     void beginChange();
 
