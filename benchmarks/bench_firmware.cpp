@@ -71,7 +71,7 @@ int main(int argc, char *argv[])
     double sum = 0;
     for (const double gap : gaps)
         sum += gap;
-    const double mean = sum / gaps.size();
+    const double mean = sum / double(gaps.size());
     const double p99 = gaps.at(gaps.size() * 99 / 100);
     std::printf("Firmware update of %d packets, acknowledged at once; ms a packet\n\n",
                 packetCount);

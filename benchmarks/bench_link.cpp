@@ -128,14 +128,14 @@ Rate measure(const Mix &mix)
     clock.start();
     do {
         for (int from = 0; from < mix.bytes.size(); from += blockSize) {
-            const int size = qMin(blockSize, mix.bytes.size() - from);
+            const int size = int(qMin(blockSize, mix.bytes.size() - from));
             link.receiveBytes(mix.bytes.constData() + from, size);
         }
         ++passes;
     } while (clock.elapsed() < measuredMs);
     const double seconds = double(clock.nsecsElapsed()) / 1e9;
     const double sentences = double(passes) * mix.sentences;
-    return {sentences / seconds, double(passes) * mix.bytes.size() / seconds / 1e6,
+    return {sentences / seconds, double(passes) * double(mix.bytes.size()) / seconds / 1e6,
             double(heard) / sentences};
 }
 
@@ -171,7 +171,7 @@ QVector<double> uploadGaps()
             loop.quit();
     });
     QObject::connect(&link, &NmeaSerialPort::signalVRConnect, &pty, [&] {
-        before = pty.lines().size();
+        before = int(pty.lines().size());
         for (int i = 0; i < uploadSentences; ++i)
             link.sendSentence(QString::fromLatin1(
                 checkedLine("$VRHDC," + QByteArray::number(i) + ",0,GP,,HE,II,,,,,,,,AI")));
@@ -198,12 +198,12 @@ bool printPace()
     double sum = 0;
     for (const double gap : gaps)
         sum += gap;
-    const double mean = sum / gaps.size();
+    const double mean = sum / double(gaps.size());
     double squares = 0;
     for (const double gap : gaps)
         squares += (gap - mean) * (gap - mean);
-    const double deviation = std::sqrt(squares / gaps.size());
-    const double p99 = gaps.at(int(std::ceil(0.99 * gaps.size())) - 1);
+    const double deviation = std::sqrt(squares / double(gaps.size()));
+    const double p99 = gaps.at(int(std::ceil(0.99 * double(gaps.size()))) - 1);
     std::printf("\nPace of an upload of %d sentences over a pseudo-terminal, gaps in ms\n\n",
                 uploadSentences);
     std::printf("%8s %10s %8s %8s %8s %10s\n", "mean", "deviation", "min", "p99", "max", "total");

@@ -121,7 +121,7 @@ void MonitoredTool::floodOneTick()
         bytes += m_stream.nextLine();
     m_floodLeft -= bytes.size();
     if (NmeaSerialPort *link = m_window->currentLink())
-        link->receiveBytes(bytes.constData(), bytes.size());
+        link->receiveBytes(bytes.constData(), int(bytes.size()));
     m_window->slotStringTimer();
     if (m_floodLeft > 0)
         return;

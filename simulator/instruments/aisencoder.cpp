@@ -106,7 +106,8 @@ QList<QByteArray> aisBodies(const QByteArray &head, int sequence, const QByteArr
                             const AisEncoder &message)
 {
     const QByteArray payload = message.payload();
-    const int total = std::max((payload.size() + payloadPerSentence - 1) / payloadPerSentence, 1);
+    const int total =
+        std::max((int(payload.size()) + payloadPerSentence - 1) / payloadPerSentence, 1);
     const QByteArray shared = total > 1 ? QByteArray::number(sequence) : QByteArray();
     QList<QByteArray> bodies;
     for (int i = 0; i < total; ++i) {

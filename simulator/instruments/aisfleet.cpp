@@ -192,7 +192,7 @@ private:
 QByteArray FleetBuilder::word(const char *words)
 {
     const auto all = QByteArray(words).split(' ');
-    return all.at(between(0, all.size() - 1));
+    return all.at(between(0, int(all.size() - 1)));
 }
 
 quint32 FleetBuilder::newMmsi(int mid)

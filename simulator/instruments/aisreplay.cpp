@@ -71,7 +71,7 @@ std::optional<QByteArray> AisReplay::take(qint64 now)
     }
     m_owed -= 1;
     const QByteArray body = m_bodies.at(m_next);
-    m_next = (m_next + 1) % m_bodies.size();
+    m_next = int((m_next + 1) % m_bodies.size());
     return body;
 }
 

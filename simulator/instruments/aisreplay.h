@@ -24,7 +24,7 @@ public:
     static std::optional<AisReplay> load(int port, const QString &path, QString *error);
 
     int port() const { return m_port; }
-    int lineCount() const { return m_bodies.size(); }
+    int lineCount() const { return int(m_bodies.size()); }
     //! Lines that were left out as they are no AIS sentences, without empty ones and comments
     //! ('#').
     int leftOut() const { return m_leftOut; }

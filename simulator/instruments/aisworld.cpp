@@ -140,7 +140,7 @@ AisWorld::AisWorld(const AisWorldSettings &settings)
       m_ports(portsOf(settings.ports.value_or(AisWorldSettings::usualPorts(m_settings.vessels)))),
       m_random(m_settings.seed)
 {
-    const int stations = m_ports.size();
+    const int stations = int(m_ports.size());
     if (stations > 0) {
         m_vessels =
             makeFleet(m_settings.vessels, stations, m_settings.seed, m_settings.start.date());
@@ -168,7 +168,7 @@ void AisWorld::scheduleVessels()
 
 void AisWorld::scheduleOwnShip()
 {
-    const int stations = std::min<int>(transponders, m_ports.size());
+    const int stations = std::min<int>(transponders, int(m_ports.size()));
     for (int station = 0; station < stations; ++station) {
         schedule(Activity::OwnPosition, station, (station + 1) * second / 2);
         schedule(Activity::OwnVoyage, station, (station + 4) * second);

@@ -71,7 +71,7 @@ double usualBytes(int port)
     double bytes = 0;
     for (const ScheduledSentence &sentence : equipmentAt(port)) {
         for (const QByteArray &body : sentence.build(moment)) {
-            bytes += withChecksum(body).size() * millisecondsPerSecond / sentence.period;
+            bytes += double(withChecksum(body).size()) * millisecondsPerSecond / sentence.period;
         }
     }
     return bytes;

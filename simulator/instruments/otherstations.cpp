@@ -174,7 +174,7 @@ QVector<OtherStation> makeOtherStations(int boats, int stationCount, quint32 see
         station.mmsi = fixed.mmsi;
         station.name = fixed.name;
         station.motion = DeadReckoning(fixed.fix, fixed.knots, 0);
-        station.station = all.size() % stationCount;
+        station.station = int(all.size() % stationCount);
         all.append(station);
     }
     std::mt19937 random(seed);

@@ -38,7 +38,7 @@ bool LinePacer::enqueue(const QByteArray &bytes, int delay, int thenSpeed)
         m_lineFree = std::max(m_lineFree, now);
     }
     m_queue.enqueue({bytes, now + delay * nanosecondsPerMillisecond, thenSpeed});
-    m_queuedBytes += bytes.size();
+    m_queuedBytes += int(bytes.size());
     if (!m_timer.isActive()) {
         scheduleNext(now);
     }

@@ -73,7 +73,7 @@ void AisCopy::stop()
 QByteArray AisCopy::takeLine()
 {
     const Waiting next = m_waiting.dequeue();
-    m_waitingBytes -= next.line.size();
+    m_waitingBytes -= int(next.line.size());
     if (next.report) {
         m_truth.record(*next.report);
         emit reported(*next.report);
@@ -137,9 +137,10 @@ void AisCopy::copyLines(int port, LineIterator begin, LineIterator end)
 void AisCopy::enqueue(const QList<QByteArray> &bodies,
                       const std::shared_ptr<const AisReport> &report)
 {
-    const int size = std::accumulate(bodies.cbegin(), bodies.cend(), 0,
-                                     [](int sum, const QByteArray &b) { return sum + b.size(); })
-        + bodies.size() * tail;
+    const int size =
+        std::accumulate(bodies.cbegin(), bodies.cend(), 0,
+                        [](int sum, const QByteArray &b) { return sum + int(b.size()); })
+        + int(bodies.size()) * tail;
     if (m_waitingBytes + size > maxWaiting) {
         return;
     }

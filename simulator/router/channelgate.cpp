@@ -25,7 +25,7 @@ bool hasTalker(const QByteArray &line)
 
 std::optional<quint32> statedChecksum(const QByteArray &line)
 {
-    const int star = line.indexOf('*');
+    const int star = int(line.indexOf('*'));
     return star >= 0 && star == line.size() - checksumTail ? parseHex(line.mid(star + 1), 2)
                                                            : std::nullopt;
 }

@@ -29,7 +29,7 @@ void MonitorFeed::setView(int viewCode)
 QByteArray MonitorFeed::takeLine()
 {
     QByteArray line = m_waiting.dequeue();
-    m_waitingBytes -= line.size();
+    m_waitingBytes -= int(line.size());
     return line;
 }
 
@@ -74,7 +74,7 @@ void MonitorFeed::collect(qint64 from, qint64 to)
             return;
         }
         m_waiting.enqueue(text);
-        m_waitingBytes += text.size();
+        m_waitingBytes += int(text.size());
     }
 }
 

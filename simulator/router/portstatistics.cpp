@@ -109,7 +109,7 @@ void PortStatistics::countOutput(int port, qint64 from, qint64 to)
         const double sent = static_cast<double>(line.time - output.filledAt) * bytesPerMillisecond;
         output.waiting = std::max(output.waiting - sent, 0.0);
         output.filledAt = line.time;
-        const int size = line.text.size() + lineEnd;
+        const int size = int(line.text.size() + lineEnd);
         if (output.waiting + size > outputBuffer) {
             ++output.counters.txFull;
         } else {

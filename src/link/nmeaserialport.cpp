@@ -187,7 +187,8 @@ void NmeaSerialPort::slot_send_timer()
     if (!isPortOpen() || sendQueue.isEmpty())
         return;
     const QString sentence = sendQueue.takeFirst();
-    if (serial->write(sentence.toLocal8Bit()) < 0) {
+    const QByteArray bytes = sentence.toLocal8Bit();
+    if (serial->write(bytes.constData(), bytes.size()) < 0) {
         emit signalErrorWritePort();
         return;
     }

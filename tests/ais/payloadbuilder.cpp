@@ -32,7 +32,7 @@ PayloadBuilder &PayloadBuilder::putText(const QByteArray &text, int length)
 
 int PayloadBuilder::fillBits() const
 {
-    return (bitsPerCharacter - m_bits.size() % bitsPerCharacter) % bitsPerCharacter;
+    return int((bitsPerCharacter - m_bits.size() % bitsPerCharacter) % bitsPerCharacter);
 }
 
 QByteArray PayloadBuilder::payload() const

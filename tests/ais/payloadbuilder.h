@@ -14,7 +14,7 @@ public:
     /*! Appends \a text, of '@' to '_' and ' ' to '?', cut or filled up with '@' to \a length. */
     PayloadBuilder &putText(const QByteArray &text, int length);
 
-    int bitCount() const { return m_bits.size(); }
+    int bitCount() const { return int(m_bits.size()); }
     /*! The bits that complete the last character. */
     int fillBits() const;
     QByteArray payload() const;

@@ -78,7 +78,7 @@ private:
     {
         return info()->findChild<QTableWidget *>()->item(row, 1)->text();
     }
-    int rowOf(quint32 mmsi) const { return column(0).indexOf(QString::number(mmsi)); }
+    int rowOf(quint32 mmsi) const { return int(column(0).indexOf(QString::number(mmsi))); }
     void doubleClick(quint32 mmsi) const;
 
     std::unique_ptr<FakeClock> m_clock;

@@ -493,7 +493,7 @@ void WorldModel::expire(int number, int now)
             updateMaxRange(number);
         }
     }
-    for (int i = port.targets.size() - 1; i >= 0; --i) {
+    for (int i = int(port.targets.size() - 1); i >= 0; --i) {
         const TargetPointer target = port.targets.at(i);
         if (isOver(target->heardAt, silence, now)) {
             died(number, *target);
@@ -508,7 +508,7 @@ void WorldModel::died(int number, const Target &target)
     Port &port = m_ports[static_cast<size_t>(number)];
     ++m_events.died;
     m_everDied.append({number, target.mmsi});
-    const int left = port.targets.size() - 1;
+    const int left = int(port.targets.size() - 1);
     port.targetsCell = decimal(left);
     updateMaxRange(number);
     if (left == 0) {

@@ -37,7 +37,7 @@ public:
     {
         QString result;
         for (int i = 0; i < count; ++i)
-            result += alphabet.at(below(alphabet.size()));
+            result += alphabet.at(below(int(alphabet.size())));
         return result;
     }
     QString capitals(int count)

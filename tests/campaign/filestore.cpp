@@ -53,13 +53,13 @@ QString FileStore::ruleFile(Dice &dice)
         return write(QStringLiteral("good.vrr"), content);
     m_kind = Kind::Torn;
     if (choice == 6)
-        return write(QStringLiteral("torn.vrr"), content.left(dice.below(content.size())));
+        return write(QStringLiteral("torn.vrr"), content.left(dice.below(int(content.size()))));
     m_kind = Kind::Hostile;
     if (choice == 7)
         return write(QStringLiteral("noise.vrr"), "VRR" + dice.bytes(dice.below(4000)));
     if (choice == 8) {
         for (int i = dice.between(1, 20); i > 0; --i)
-            content[dice.below(content.size())] = char(dice.below(256));
+            content[dice.below(int(content.size()))] = char(dice.below(256));
         return write(QStringLiteral("spoilt.vrr"), content);
     }
     return m_folder.filePath(QStringLiteral("missing.vrr"));

@@ -30,7 +30,7 @@ qint64 residentBytes()
 int entries(const char *folder)
 {
     const auto all = QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot;
-    return QDir(QString::fromLatin1(folder)).entryList(all).size();
+    return int(QDir(QString::fromLatin1(folder)).entryList(all).size());
 }
 
 // The folder that is being read is open, too, and doesn't count.
@@ -90,10 +90,10 @@ Resources Resources::measure(const MainWindow &window)
     found.memory = residentBytes();
     found.heap = qint64(mallinfo2().uordblks);
     found.openFiles = openTargets();
-    found.files = found.openFiles.size();
+    found.files = int(found.openFiles.size());
     found.threads = entries("/proc/self/task");
     found.widgetClasses = classesOfWidgets();
-    found.widgets = found.widgetClasses.size();
+    found.widgets = int(found.widgetClasses.size());
     const auto objects = window.findChildren<QObject *>();
     found.objects = int(std::count_if(objects.begin(), objects.end(),
                                       [](const QObject *o) { return !isInComboBox(o); }));

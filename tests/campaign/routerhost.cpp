@@ -15,7 +15,7 @@ bool isConfigLine(const QByteArray &line)
 {
     static const char *const codes[] = {"RUL", "FLT", "HDC", "FLS", "PNM", "SPD"};
     return std::any_of(std::begin(codes), std::end(codes), [&line](const char *code) {
-        return line.startsWith(QByteArray("$VR") + code + ',');
+        return line.startsWith(QByteArray(QByteArray("$VR") + code + ','));
     });
 }
 

@@ -130,7 +130,7 @@ double Trouble::valueFor(const FaultInfo &info)
 QString Trouble::setFault()
 {
     // Every fault has its turn, those that end the connection half as often.
-    const auto roll = [this] { return faultTable().at(m_dice.below(faultTable().size())); };
+    const auto roll = [this] { return faultTable().at(m_dice.below(int(faultTable().size()))); };
     FaultInfo info = roll();
     if (isDeadly(info.fault) && m_dice.chance(50))
         info = roll();

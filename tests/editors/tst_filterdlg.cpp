@@ -100,7 +100,10 @@ public:
     {
         return dialog.findChild<QRadioButton *>(QString::fromLatin1(name));
     }
-    int rowOf(const QString &name) const { return rows().indexOf(QRegularExpression(name + ".?")); }
+    int rowOf(const QString &name) const
+    {
+        return int(rows().indexOf(QRegularExpression(name + ".?")));
+    }
     void setChecked(const QString &name, bool on)
     {
         table()->item(rowOf(name), 0)->setCheckState(on ? Qt::Checked : Qt::Unchecked);

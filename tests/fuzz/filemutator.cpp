@@ -59,7 +59,7 @@ void FileMutator::mutate(QByteArray &bytes)
 
 int FileMutator::position(const QByteArray &bytes)
 {
-    return m_random.bounded(bytes.size() + 1);
+    return int(m_random.bounded(bytes.size() + 1));
 }
 
 QByteArray FileMutator::noise(int size)

@@ -88,7 +88,7 @@ int main(int argc, char *argv[])
         ++inputs;
     }
     std::printf("%d corpus files, %lld random bytes in %lld inputs, %lld ms, no fault\n",
-                corpus.size(), static_cast<long long>(fed), static_cast<long long>(inputs),
+                int(corpus.size()), static_cast<long long>(fed), static_cast<long long>(inputs),
                 static_cast<long long>(clock.elapsed()));
     return 0;
 }

@@ -80,7 +80,7 @@ quint32 checkPackets(const QByteArray &image)
     int progress = 0;
     while (MakeFirmwarePacket(image, number, sentence) == FirmwarePacket::Made) {
         checkPacket(image, number, sentence);
-        const int now = firmwareProgress(number, image.size());
+        const int now = firmwareProgress(number, int(image.size()));
         require(now >= progress, "an update only ever goes on");
         // Only a last packet that isn't full goes beyond the end.
         const bool isFull = qint64(number) * packetBytes <= image.size();
@@ -107,7 +107,7 @@ void checkNumbersBeyond(const QByteArray &image, quint32 count)
 
 void receive(NmeaSerialPort &link, const QByteArray &line)
 {
-    link.receiveBytes(line.constData(), line.size());
+    link.receiveBytes(line.constData(), int(line.size()));
 }
 
 void checkAnswers(const QByteArray &content, quint32 count)

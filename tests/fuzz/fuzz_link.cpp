@@ -140,7 +140,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         // A copy of its own, so that a read past the block is a fault.
         const size_t count = qMin(blockSize, size - from);
         const QByteArray block(reinterpret_cast<const char *>(data + from), int(count));
-        link.receiveBytes(block.constData(), block.size());
+        link.receiveBytes(block.constData(), int(block.size()));
     }
     link.closePort();
     return 0;

@@ -56,7 +56,7 @@ QByteArray FuzzMutator::noise(int size)
 QByteArray FuzzMutator::mutatedSentence()
 {
     const QByteArray sentence = m_sentences.at(m_random.bounded(m_sentences.size()));
-    const int star = sentence.indexOf('*');
+    const int star = int(sentence.indexOf('*'));
     if (star < 0 || m_random.bounded(4) == 0) {
         QByteArray whole = sentence;
         mutate(whole);
@@ -87,10 +87,10 @@ void FuzzMutator::mutate(QByteArray &body)
             body.insert(at, body.mid(at, length));
             break;
         case 4: { // another number stands in a field
-            const int field = body.indexOf(',', at);
+            const int field = int(body.indexOf(',', at));
             if (field < 0)
                 break;
-            const int end = body.indexOf(',', field + 1);
+            const int end = int(body.indexOf(',', field + 1));
             body.replace(field + 1, end < 0 ? body.size() : end - field - 1,
                          oddNumbers[m_random.bounded(countOf(oddNumbers))]);
             break;
@@ -107,5 +107,5 @@ void FuzzMutator::mutate(QByteArray &body)
 
 int FuzzMutator::position(const QByteArray &text)
 {
-    return m_random.bounded(text.size() + 1);
+    return int(m_random.bounded(text.size() + 1));
 }

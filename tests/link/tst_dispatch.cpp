@@ -373,7 +373,7 @@ void tst_Dispatch::sentencesByBytes()
     NmeaSerialPort link;
     const LinkJournal journal(&link);
     connect(&link, &NmeaSerialPort::signalVRNMEA_receive, &link, &NmeaSerialPort::slot_VRNMEA);
-    link.receiveBytes(line.constData(), line.size());
+    link.receiveBytes(line.constData(), int(line.size()));
     QCOMPARE(journal.texts(), expected);
 }
 void tst_Dispatch::bareText_data()

@@ -106,14 +106,15 @@ void tst_DispatchDamage::everyTruncationIsHarmless()
     const auto nameOf = [](const QString &report) { return report.section('(', 0, 0); };
     const QStringList whole = raisedBy(body);
     QVERIFY(!whole.isEmpty());
-    const int wordsStart = body.lastIndexOf(',') + 1;
+    const int wordsStart = int(body.lastIndexOf(',') + 1);
     for (int length = 1; length < body.size(); ++length) {
         const QStringList raised = raisedBy(body.left(length));
         if (length <= headLength)
             QCOMPARE(raised, QStringList());
         QVERIFY(raised.size() <= whole.size());
-        const int told = wordDigits > 0 ? (length - wordsStart) / wordDigits : whole.size() - 1;
-        const int unharmed = qBound(0, told, raised.size());
+        const int told =
+            int(wordDigits > 0 ? (length - wordsStart) / wordDigits : whole.size() - 1);
+        const int unharmed = int(qBound(0, told, raised.size()));
         QCOMPARE(raised.mid(0, unharmed), whole.mid(0, unharmed));
         for (int i = 0; i < raised.size(); ++i)
             QCOMPARE(nameOf(raised.at(i)), nameOf(whole.at(i)));

@@ -95,7 +95,7 @@ void tst_Framing::earlyStarIsFinite()
     QVERIFY(!testChecksum(line));
     const QString padded = QString(line).remove(QLatin1String("\r\n"));
     for (int number = 0; number <= 0xff; ++number) {
-        const int mark = padded.indexOf(QLatin1Char('*'));
+        const int mark = int(padded.indexOf(QLatin1Char('*')));
         const QString tried = padded.left(mark + 1) + QString::number(number, 16) + "\r\n";
         QVERIFY2(!testChecksum(tried), qPrintable(tried));
     }

@@ -34,7 +34,7 @@ QByteArrayList takenFrom(LineAssembler &assembler)
 
 void add(LineAssembler &assembler, const QByteArray &bytes)
 {
-    assembler.add(bytes.constData(), bytes.size());
+    assembler.add(bytes.constData(), int(bytes.size()));
 }
 
 // A line of `size` bytes, its LF included.

@@ -58,7 +58,7 @@ constexpr int done = 100;
 
 void receive(NmeaSerialPort &link, const QByteArray &bytes)
 {
-    link.receiveBytes(bytes.constData(), bytes.size());
+    link.receiveBytes(bytes.constData(), int(bytes.size()));
 }
 
 QString progress(int value)

@@ -76,7 +76,7 @@ void tst_NmeaSerialPortLines::cleanup()
 
 void tst_NmeaSerialPortLines::feed(const QByteArray &bytes)
 {
-    m_link->receiveBytes(bytes.constData(), bytes.size());
+    m_link->receiveBytes(bytes.constData(), int(bytes.size()));
 }
 
 void tst_NmeaSerialPortLines::lines_data()
@@ -371,7 +371,7 @@ void tst_NmeaSerialPortLines::deletedFromInside()
     });
 
     const QByteArray stream = line + "$BEHIND,1\r\n$VRWBL\r\n$VRVER,3.4*40\r\n";
-    m_link->receiveBytes(stream.constData(), stream.size());
+    m_link->receiveBytes(stream.constData(), int(stream.size()));
     QVERIFY(deleted);
     QCOMPARE(m_journal->texts().last(), last);
 }

@@ -69,7 +69,7 @@ void tst_NmeaSerialPortQueue::pacing()
 
     LinkRig rig(LinkRig::routerAt(4800));
     QVERIFY(rig.openAndConnect());
-    const int before = rig.pty().lines().size();
+    const int before = int(rig.pty().lines().size());
     const qint64 queuedAt = rig.pty().micros();
     for (int i = 0; i < count; ++i)
         QVERIFY(rig.link()->sendSentence(numbered(i)));
@@ -112,7 +112,7 @@ void tst_NmeaSerialPortQueue::queuedWhileDraining()
 {
     LinkRig rig(LinkRig::routerAt(4800));
     QVERIFY(rig.openAndConnect());
-    const int before = rig.pty().lines().size();
+    const int before = int(rig.pty().lines().size());
     int next = 0;
     for (; next < 5; ++next)
         QVERIFY(rig.link()->sendSentence(numbered(next)));

@@ -247,7 +247,7 @@ void tst_NmeaSerialPortReceive::closedInTheMidstOfABlock()
     QVERIFY(!more.wait(200));
     QCOMPARE(end.count(), 1);
     // Only the piece that had been read before the port was closed is still cut into lines.
-    const int heard = rig.journal().texts().filter("NMEA_receive").size();
+    const int heard = int(rig.journal().texts().filter("NMEA_receive").size());
     QVERIFY2(heard <= 95 / 10, qPrintable(QString::number(heard)));
     QVERIFY(!rig.link()->sendSentence("$VRRLD\r\n"));
 }
@@ -294,7 +294,7 @@ void tst_NmeaSerialPortReceive::laterInTheMidstOfABlock()
     const QStringList heard = journal.texts();
     QVERIFY2(heard.size() > 2 && heard.size() <= 2 + 95 / 10, qPrintable(heard.join(' ')));
     QCOMPARE(heard,
-             QStringList{"VRUpdateVRData()"} + plainJournal(0, heard.size() - 2)
+             QStringList{"VRUpdateVRData()"} + plainJournal(0, int(heard.size()) - 2)
                  + QStringList{"box closed"});
 }
 

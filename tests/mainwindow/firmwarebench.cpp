@@ -58,7 +58,7 @@ void FirmwareBench::takeFirmware(int last)
         if (sentence == "$VRFWS\r\n") {
             sayBare("$VRFWR");
         } else if (number > 0 && (last < 0 || number <= last)) {
-            const int data = sentence.lastIndexOf(',') + 1;
+            const int data = int(sentence.lastIndexOf(',') + 1);
             taken += QByteArray::fromHex(sentence.mid(data, sentence.indexOf('*') - data));
             say("$VRFWP," + QByteArray::number(number));
         } else if (sentence == "$VRFWF\r\n" && last < 0) {

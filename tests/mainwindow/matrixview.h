@@ -39,7 +39,7 @@ public:
                          [](const auto *a, const auto *b) { return a->x() < b->x(); });
         const auto home = framesOf("scrollAreaInputPorts");
         if (cells.size() != 2 * size || home.size() != size)
-            qFatal("the matrix has %d cells and %d homes", cells.size(), home.size());
+            qFatal("the matrix has %d cells and %d homes", int(cells.size()), int(home.size()));
         for (int i = 0; i < size; ++i) {
             main[at(i)] = cells.at(i);
             reserve[at(i)] = cells.at(size + i);

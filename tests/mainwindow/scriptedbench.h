@@ -59,7 +59,7 @@ public:
     QList<QByteArray> heard() const;
     /*! The same without what the service dialog asks by itself: statistics and chip identifier. */
     QList<QByteArray> commands() const;
-    void forgetHeard() { m_forgotten = line.lines().size(); }
+    void forgetHeard() { m_forgotten = int(line.lines().size()); }
 
     /*! Lets the watch find out at once that the router is silent. */
     void endLink();

@@ -51,7 +51,7 @@ private:
     BoxAnswer::Box timeout() const;
     void verifyAllIsClosed() const;
     QByteArray lastHeard() const { return m_bench->heard().value(m_bench->heard().size() - 1); }
-    int count(const QByteArray &sentence) const { return m_bench->heard().count(sentence); }
+    int count(const QByteArray &sentence) const { return int(m_bench->heard().count(sentence)); }
 
     std::unique_ptr<FakeClock> m_clock;
     std::unique_ptr<ScriptedBench> m_bench;

@@ -391,7 +391,7 @@ void tst_download::inputsOfNoPortAreKept()
     bench.find<QCheckBox>("checkBox_channel_5_crs")->click();
     const QByteArray sent = QByteArray(words).replace(4 * 5, 4, "F301");
     QTRY_VERIFY(bench.heard().size() >= 2);
-    QVERIFY2(bench.heard().last().startsWith("$VRRUL,7,W," + sent + '*'),
+    QVERIFY2(bench.heard().last().startsWith(QByteArray("$VRRUL,7,W," + sent + '*')),
              bench.heard().last().constData());
 }
 

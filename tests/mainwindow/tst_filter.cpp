@@ -243,7 +243,7 @@ void tst_filter::opensForItsChannel()
         const QStringList slotsInOrder = baseNames.split(QLatin1Char(' '));
         QStringList expected;
         for (const char *name : {"GGA", "GLL", "RMC", "ZDA"}) {
-            const int slot = slotsInOrder.indexOf(QString::fromLatin1(name));
+            const int slot = int(slotsInOrder.indexOf(QString::fromLatin1(name)));
             expected +=
                 QString::fromLatin1(name) + (channel & 1 << slot ? QStringLiteral("+") : QString());
         }

@@ -225,7 +225,7 @@ void tst_firmware::nothingElseIsSentMeanwhile()
     bench.boxes.expect(bench.success());
     QTRY_VERIFY_WITH_TIMEOUT(!bench.window.isConnected(), 20000);
     const QList<QByteArray> heard = bench.heard();
-    const int start = heard.indexOf("$VRFWS\r\n");
+    const int start = int(heard.indexOf("$VRFWS\r\n"));
     QCOMPARE(heard.size() - start, 1 + 100 + 2);
 }
 
@@ -268,7 +268,7 @@ void tst_firmware::watchIsSuspended()
     QVERIFY(bench.startUpdate(firmwareImage(smallSize)));
     bench.boxes.expect(bench.success([&] {
         QVERIFY(!bench.isUpdating());
-        const int before = bench.line.lines().size();
+        const int before = int(bench.line.lines().size());
         QTest::qWait(4500);
         QCOMPARE(bench.line.lines().size(), before);
         QVERIFY(bench.window.isConnected());
@@ -340,7 +340,7 @@ void tst_firmware::finishAcknowledgedFinishesAgain()
     QVERIFY(watchdog && watchdog->isActive());
     for (int number = 4; number <= 5; ++number) {
         QTRY_VERIFY(watchdog->remainingTime() < 5000);
-        const int before = bench.firmwareHeard().size();
+        const int before = int(bench.firmwareHeard().size());
         bench.say("$VRFWP," + QByteArray::number(number));
         QTRY_COMPARE(bench.firmwareHeard().size(), before + 1);
         QCOMPARE(bench.firmwareHeard().last(), QByteArray("$VRFWF\r\n"));
@@ -393,7 +393,7 @@ void tst_firmware::keysInTheProgress()
     QProgressDialog *dialog = bench.progress();
     QVERIFY(QTest::qWaitForWindowActive(dialog));
     QVERIFY(!dialog->findChild<QPushButton *>()->hasFocus());
-    const int before = bench.heard().size();
+    const int before = int(bench.heard().size());
     if (keys.isEmpty())
         dialog->close();
     for (const int key : qAsConst(keys)) {
@@ -426,7 +426,7 @@ void tst_firmware::cancel()
     FirmwareBench bench;
     QVERIFY(bench.connectToRouter());
     QVERIFY(bringTo(bench, State(state), image));
-    const int before = bench.heard().size();
+    const int before = int(bench.heard().size());
     bench.pressCancel();
     bench.verifyIdle();
     // The router is told nothing.
@@ -459,7 +459,7 @@ void tst_firmware::wrongAcknowledgements()
     QVERIFY(bench.connectToRouter());
     QVERIFY(bringTo(bench, State(state), firmwareImage(smallSize)));
     bench.boxes.expect(FirmwareBench::failure(wrongNumber));
-    const int before = bench.heard().size();
+    const int before = int(bench.heard().size());
     bench.say("$VRFWP," + number);
     QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
     bench.verifyIdle();
@@ -668,7 +668,7 @@ void tst_firmware::lateSentencesAreIgnored()
         open.accept();
     };
     bench.boxes.expect(box);
-    const int before = bench.firmwareHeard().size();
+    const int before = int(bench.firmwareHeard().size());
     bench.say("$VRFWE,3");
     QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));
     QTRY_VERIFY(!bench.window.findChild<QMessageBox *>());

@@ -205,7 +205,8 @@ void TestInterruptions::press()
     QTRY_VERIFY(!QApplication::activeModalWidget());
 
     const QPoint away = QPoint(40, 15) + QPoint(QApplication::startDragDistance() + 1, 0);
-    QMouseEvent move(QEvent::MouseMove, away, Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QMouseEvent move(QEvent::MouseMove, away, home->mapToGlobal(away), Qt::NoButton, Qt::LeftButton,
+                     Qt::NoModifier);
     bool isDragging = false;
     QTimer::singleShot(0, home, [&] {
         isDragging = home->findChild<QDrag *>() != nullptr;

@@ -206,8 +206,9 @@ void TestNames::editorKnowsTheName()
 void TestNames::leftAndRightOpenTheEditor()
 {
     const MatrixView matrix(*fresh());
-    QMouseEvent event(QEvent::MouseButtonPress, QPoint(20, 15), Qt::RightButton,
-                      Qt::LeftButton | Qt::RightButton, Qt::NoModifier);
+    const QPoint place(20, 15);
+    QMouseEvent event(QEvent::MouseButtonPress, place, matrix.homes[7]->mapToGlobal(place),
+                      Qt::RightButton, Qt::LeftButton | Qt::RightButton, Qt::NoModifier);
     QCoreApplication::sendEvent(matrix.homes[7], &event);
     const auto open = editors(fresh());
     QCOMPARE(open.size(), 1);

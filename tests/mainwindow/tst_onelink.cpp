@@ -84,7 +84,7 @@ BoxAnswer::Box disconnectBox(QMessageBox::StandardButton click)
 void hearBusy(MainWindow &window)
 {
     const QByteArray busy("$VRCNB\r\n");
-    window.currentLink()->receiveBytes(busy.constData(), busy.size());
+    window.currentLink()->receiveBytes(busy.constData(), int(busy.size()));
 }
 
 const QString busyText = QStringLiteral("TK-7 Router Busy another Control programm");
@@ -422,7 +422,7 @@ void tst_onelink::endMarkInTheSearch()
     const QByteArray mark("$VRWBL\r\n");
     // The box holds this call up, so the rest follows from a timer.
     QTimer::singleShot(0, &bench.window, [&] {
-        bench.window.currentLink()->receiveBytes(mark.constData(), mark.size());
+        bench.window.currentLink()->receiveBytes(mark.constData(), int(mark.size()));
     });
     bench.window.slotConnectPort();
     QTRY_VERIFY2(bench.boxes.isDone(), qPrintable(bench.boxes.report()));

@@ -236,7 +236,7 @@ void TestRuleFiles::loadWhileConnected()
                                         + QByteArray::number(speed));
         }
     }
-    const int changedSpeeds = expected.size();
+    const int changedSpeeds = int(expected.size());
     QVERIFY(changedSpeeds > 0 && changedSpeeds < OutputPortCount);
     for (const QByteArray &line : dataFile("upload-rich.txt").split('\n')) {
         if (!line.isEmpty())

@@ -211,7 +211,7 @@ void TestSavingRuleFiles::fileSizeLimit_data()
     QTest::addColumn<int>("limit");
     QTest::addColumn<bool>("isSaved");
 
-    const int size = dataFile("rules-default.vrr").size();
+    const int size = int(dataFile("rules-default.vrr").size());
     QTest::newRow("no byte fits") << 0 << false;
     QTest::newRow("the magic fits") << 3 << false;
     QTest::newRow("half a file fits") << size / 2 << false;

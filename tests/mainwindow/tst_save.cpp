@@ -95,14 +95,16 @@ void tst_save::savesInTheRouter()
     QCOMPARE(heard.size(), 81);
     QCOMPARE(heard.last(), QByteArray("$VRSVR\r\n"));
     for (int port = 0; port < 12; ++port) {
-        const QByteArray number = QByteArray::number(port);
+        const auto startsWith = [&](int line, const char *code, const char *rest) {
+            return heard.at(line).startsWith(QByteArray(code + QByteArray::number(port) + rest));
+        };
         const int first = 6 * port;
-        QVERIFY(heard.at(first).startsWith("$VRRUL," + number + ",B,"));
-        QVERIFY(heard.at(first + 1).startsWith("$VRFLT," + number + ",B,0,"));
-        QVERIFY(heard.at(first + 2).startsWith("$VRFLT," + number + ",B,6,"));
-        QVERIFY(heard.at(first + 3).startsWith("$VRHDC," + number + ",B,"));
+        QVERIFY(startsWith(first, "$VRRUL,", ",B,"));
+        QVERIFY(startsWith(first + 1, "$VRFLT,", ",B,0,"));
+        QVERIFY(startsWith(first + 2, "$VRFLT,", ",B,6,"));
+        QVERIFY(startsWith(first + 3, "$VRHDC,", ",B,"));
         QCOMPARE(heard.at(first + 4), QByteArray("$VRWBL\r\n"));
-        QVERIFY(heard.at(first + 5).startsWith("$VRSPD," + number + ","));
+        QVERIFY(startsWith(first + 5, "$VRSPD,", ","));
     }
     QVERIFY(bench.router.eeprom() == bench.router.working());
     QVERIFY(bench.router.eeprom() == tk7sim::RouterConfig::factory());

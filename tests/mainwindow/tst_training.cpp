@@ -85,7 +85,7 @@ void tst_training::lookAtMonitor()
     QTest::mouseClick(m_matrix->labels[other], Qt::LeftButton);
     QTRY_VERIFY_WITH_TIMEOUT(countInMonitor("!AIVDM") > 3 && countInMonitor("$EIAPB") > 0, timeout);
     const QStringList lines = monitor();
-    const int dark = lines.indexOf("---- OUTPUT PORT 3 - CHANNEL 2 ----");
+    const int dark = int(lines.indexOf("---- OUTPUT PORT 3 - CHANNEL 2 ----"));
     QCOMPARE(lines.value(dark + 1), QStringLiteral("---- INPUT PORT 3 ----"));
     QCOMPARE(lines.value(dark + 2), QStringLiteral("---- INPUT PORT 8 ----"));
 }
@@ -146,7 +146,7 @@ void tst_training::takeReserve()
     QTest::mouseClick(m_matrix->channelButton(aisChannel), Qt::LeftButton);
     const auto isBack = [this] {
         const QStringList lines = monitor();
-        const int now = lines.lastIndexOf("---- OUTPUT PORT 3 - CHANNEL 2 ----");
+        const int now = int(lines.lastIndexOf("---- OUTPUT PORT 3 - CHANNEL 2 ----"));
         return now > lines.indexOf("---- INPUT PORT 8 ----")
             && !lines.mid(now).filter("!AIVDM").isEmpty();
     };

@@ -28,7 +28,7 @@ QVector<int> recordEnds(const RouterModel &model)
         for (int channel = 0; channel < ChannelCount; ++channel)
             record(ChannelSize);
         record(4);
-        record(port.output_name.size() + 1);
+        record(int(port.output_name.size() + 1));
     }
     record(4);
     for (int slot = 0; slot < FilterSlotCount; ++slot) {
@@ -36,7 +36,7 @@ QVector<int> recordEnds(const RouterModel &model)
             record(SentenceNameLength);
     }
     for (const InputPortRecord &port : model.input_ports)
-        record(port.input_name.size() + 1);
+        record(int(port.input_name.size() + 1));
     return ends;
 }
 
@@ -118,11 +118,11 @@ void TestDamagedRuleFile::cutAtEveryLength()
         // nothing is there is an empty name.
         RouterModel expected = before;
         QVERIFY(readInto(expected, goodBytes.left(size) + beforeBytes.mid(size)));
-        const int recordsRead = ends.indexOf(size) + 1;
+        const int recordsRead = int(ends.indexOf(size) + 1);
         const int port = recordsRead / RecordsPerPort;
         if (port < OutputPortCount && recordsRead % RecordsPerPort == RecordsPerPort - 1)
             expected.output_ports[std::size_t(port)].output_name.clear();
-        const int namesRead = recordsRead - (ends.size() - InputPortCount);
+        const int namesRead = int(recordsRead - (ends.size() - InputPortCount));
         for (int input = namesRead; isRead && input < InputPortCount; ++input)
             expected.input_ports[std::size_t(input)].input_name.clear();
         QVERIFY2(model == expected, at.constData());

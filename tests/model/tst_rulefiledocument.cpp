@@ -26,8 +26,8 @@ QStringList documentLines()
 QStringList between(const QString &start, const QString &end)
 {
     const QStringList lines = documentLines();
-    const int first = lines.indexOf(start) + 1;
-    const int last = lines.indexOf(end, first);
+    const int first = int(lines.indexOf(start) + 1);
+    const int last = int(lines.indexOf(end, first));
     return first > 0 && last > first ? lines.mid(first, last - first) : QStringList();
 }
 

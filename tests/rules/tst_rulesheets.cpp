@@ -215,7 +215,7 @@ void TestRuleSheets::csvIsATable()
         }
         int wanted = 0;
         for (const Sheet::Output &output : makeSheet(model).outputs)
-            wanted += output.channels.size();
+            wanted += int(output.channels.size());
         QCOMPARE(channels, wanted);
     }
 }
@@ -245,7 +245,7 @@ void TestRuleSheets::markdownTablesAreWhole()
             QVERIFY2(!bare.contains(QLatin1Char(mark)), qPrintable(line));
         if (!bare.startsWith(QLatin1Char('|')))
             continue;
-        const int bars = bare.count(QLatin1Char('|'));
+        const int bars = int(bare.count(QLatin1Char('|')));
         QVERIFY2(bars == 8 || bars == 5, qPrintable(line));
         ++rows;
     }
@@ -305,7 +305,7 @@ void TestRuleSheets::schemaRefuses()
     QFETCH(QByteArray, from);
     QFETCH(QByteArray, to);
     QByteArray json = SheetWriters::json(modelNamed(QStringLiteral("ship")));
-    const int place = json.indexOf(from);
+    const int place = int(json.indexOf(from));
     QVERIFY(place >= 0);
     json.replace(place, from.size(), to);
     QJsonParseError error;
@@ -325,7 +325,7 @@ void TestRuleSheets::smartFunctionsAreThoseOfTheDialog()
             && reader.name() == QLatin1String("string"))
             texts += reader.readElementText();
     }
-    const int off = texts.indexOf(QStringLiteral("OFF"));
+    const int off = int(texts.indexOf(QStringLiteral("OFF")));
     QVERIFY(off > 0);
     for (quint8 number = 1; number <= 5; ++number)
         QCOMPARE(Words::smartFunction(number), texts.at(off + number));

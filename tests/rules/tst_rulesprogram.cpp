@@ -129,7 +129,7 @@ void TestRulesProgram::explainsItself()
     for (const char *option : {"--help", "-h"}) {
         QCOMPARE(run({QString::fromLatin1(option)}), 0);
         for (const char *word : commands)
-            QVERIFY2(m_out.contains(QByteArray("\n  ") + word + ' '), word);
+            QVERIFY2(m_out.contains(QByteArray(QByteArray("\n  ") + word + ' ')), word);
         for (const char *word : allOptions)
             QVERIFY2(m_out.contains(word), word);
         for (const QString &format : CommandLine::formats())
@@ -258,11 +258,11 @@ void TestRulesProgram::outputThatIsFull()
 void TestRulesProgram::pageOfTheGuide()
 {
     const QByteArray guide = contentOf(QStringLiteral(TK7_DOCS "/user-guide.md"));
-    const int start = guide.indexOf("\n## Copy, compare, print");
+    const int start = int(guide.indexOf("\n## Copy, compare, print"));
     QVERIFY(start > 0);
     const QByteArray chapter = guide.mid(start, guide.indexOf("\n## ", start + 1) - start);
     for (const char *command : commands)
-        QVERIFY2(chapter.contains(QByteArray("tk7-rules ") + command), command);
+        QVERIFY2(chapter.contains(QByteArray(QByteArray("tk7-rules ") + command)), command);
     for (const char *option : allOptions)
         QVERIFY2(chapter.contains(option), option);
 }

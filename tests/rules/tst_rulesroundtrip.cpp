@@ -70,7 +70,7 @@ bool TestRulesRoundTrip::download(RouterModel &model)
 
     m_said.clear();
     hear("$VRRLD\r\n");
-    link.receiveBytes(m_said.constData(), m_said.size());
+    link.receiveBytes(m_said.constData(), int(m_said.size()));
     model = download.model();
     return isAtEnd && download.isComplete();
 }

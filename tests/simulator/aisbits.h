@@ -17,7 +17,7 @@ public:
         }
     }
 
-    int size() const { return m_bits.size(); }
+    int size() const { return int(m_bits.size()); }
     QVector<int> first(int count) const { return m_bits.mid(0, count); }
 
     //! The \a width bits, 32 at most, from bit \a at on.

@@ -77,7 +77,8 @@ QList<QByteArray> TerminalClient::lines() const
 {
     QList<QByteArray> result;
     int from = 0;
-    for (int end = m_received.indexOf('\n'); end >= 0; end = m_received.indexOf('\n', from)) {
+    for (int end = int(m_received.indexOf('\n')); end >= 0;
+         end = int(m_received.indexOf('\n', from))) {
         result.append(m_received.mid(from, end + 1 - from));
         from = end + 1;
     }

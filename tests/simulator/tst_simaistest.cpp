@@ -296,7 +296,7 @@ void TestSimAisTest::monitorAndTestShareTheLine()
     QVERIFY(m_tool->write("$VRVVW,240\r\n$VRATM,ON\r\n"));
     QTRY_VERIFY_WITH_TIMEOUT(m_tool->received().size() > 30000, timeout);
     const int ais = count("$VRAI");
-    const int monitor = m_tool->received().count("$GP");
+    const int monitor = int(m_tool->received().count("$GP"));
     QVERIFY(ais > 50);
     QVERIFY(monitor > 50);
     QVERIFY(ais < monitor * 3);
@@ -356,7 +356,7 @@ void TestSimAisTest::replays()
     };
     QTRY_VERIFY_WITH_TIMEOUT(replayed().size() >= 7, timeout);
     // The station speaks from the connection on; the test hears it from when it is switched on.
-    const int first = bodies.indexOf(replayed().constFirst());
+    const int first = int(bodies.indexOf(replayed().constFirst()));
     const QByteArrayList cycle = bodies.mid(first) + bodies.mid(0, first);
     QCOMPARE(replayed().mid(0, 7), cycle + cycle + cycle.mid(0, 1));
     QTRY_VERIFY_WITH_TIMEOUT(count("$VRAIP") > 0, timeout);

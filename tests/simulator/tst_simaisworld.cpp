@@ -199,8 +199,8 @@ void TestSimAisWorld::fullLineIsFair()
 void TestSimAisWorld::longGapIsNotMadeUpFor()
 {
     AisWorld world(settingsOf());
-    const int usual = reportsOf(&world, 0, 10 * minute).size() / 600;
-    const int behindTheGap = reportsOf(&world, 2 * hour, 2 * hour).size();
+    const int usual = int(reportsOf(&world, 0, 10 * minute).size() / 600);
+    const int behindTheGap = int(reportsOf(&world, 2 * hour, 2 * hour).size());
     QVERIFY(behindTheGap < 8 * usual);
     QVERIFY(behindTheGap > 0);
     // Where they are by then is where they say to be.

@@ -128,7 +128,7 @@ void TestSimEepromFile::refusesTornFiles()
     const QByteArray whole = read();
     constexpr int step = 997;
     // A cut that takes only white space behind the last brace loses nothing.
-    for (int length = whole.trimmed().size() - 1; length > 0; length -= step) {
+    for (int length = int(whole.trimmed().size() - 1); length > 0; length -= step) {
         write(whole.left(length));
         QVERIFY2(!EepromFile(path()).load().has_value(), qPrintable(QString::number(length)));
     }
@@ -170,7 +170,7 @@ void TestSimEepromFile::refusesWrongValues()
     QFETCH(QByteArray, after);
     QVERIFY(EepromFile(path()).save({RouterConfig::factory(), "Secret1"}));
     QByteArray bytes = read();
-    const int at = bytes.indexOf(before);
+    const int at = int(bytes.indexOf(before));
     QVERIFY(at >= 0);
     write(bytes.replace(at, before.size(), after));
     EepromFile file(path());

@@ -326,7 +326,7 @@ void TestSimFaults::wrongChecksumsInTraffic()
     QVERIFY(m_tool->write("$VRVVW,242\r\n"));
     QTRY_VERIFY(m_tool->lines().size() > 3);
     for (const QByteArray &line : m_tool->lines().mid(1)) {
-        const int star = line.indexOf('*');
+        const int star = int(line.indexOf('*'));
         QVERIFY2(line.startsWith("$HE") && star > 0, line.constData());
         QVERIFY(line.mid(star + 1, 2).toInt(nullptr, 16) != checksumOf(line));
     }
@@ -342,7 +342,7 @@ void TestSimFaults::noise()
     int good = 0;
     int total = 0;
     for (const QByteArray &line : m_tool->lines()) {
-        const int start = line.lastIndexOf('$');
+        const int start = int(line.lastIndexOf('$'));
         const auto sentence = parseSentence(line.mid(qMax(start, 0)));
         good += sentence && sentence->form == SentenceForm::Checked ? 1 : 0;
         ++total;

@@ -111,7 +111,7 @@ QByteArray error(int code)
 
 int packetCount(const QByteArray &image)
 {
-    return (image.size() + packetSize - 1) / packetSize;
+    return int((image.size() + packetSize - 1) / packetSize);
 }
 
 } // namespace

@@ -118,7 +118,7 @@ QString TestSimProgram::value(const QString &key)
     QString result;
     const auto lines = m_output.split('\n');
     for (const QByteArray &line : lines) {
-        if (line.startsWith(key.toLatin1() + ": ")) {
+        if (line.startsWith(QByteArray(key.toLatin1() + ": "))) {
             result = QString::fromLocal8Bit(line.mid(key.size() + 2));
         }
     }
@@ -261,7 +261,7 @@ void TestSimProgram::listsFaults()
     QVERIFY(m_program->waitForFinished(timeout));
     QCOMPARE(m_program->exitCode(), 0);
     for (const FaultInfo &info : faultTable()) {
-        QVERIFY(m_output.contains(QByteArray("  ") + info.name));
+        QVERIFY(m_output.contains(QByteArray(QByteArray("  ") + info.name)));
         QVERIFY(m_output.contains(info.text));
     }
 }
@@ -275,7 +275,7 @@ void TestSimProgram::isDocumented()
         QVERIFY2(text.contains(option), option);
     }
     for (const FaultInfo &info : faultTable()) {
-        QVERIFY2(text.contains(QByteArray("| `") + info.name), info.name);
+        QVERIFY2(text.contains(QByteArray(QByteArray("| `") + info.name)), info.name);
     }
 }
 
@@ -395,7 +395,7 @@ void TestSimProgram::verbosePrintsSentences()
     connectTool();
     QTRY_VERIFY(m_output.contains("connected\n"));
     QVERIFY(m_output.contains("<- $VRCNT\n"));
-    QVERIFY(m_output.contains("-> " + withChecksum("$VRCNU,0").trimmed() + '\n'));
+    QVERIFY(m_output.contains(QByteArray("-> " + withChecksum("$VRCNU,0").trimmed() + '\n')));
     QVERIFY(m_output.contains("speed: 115200\n"));
     QVERIFY(m_tool->write("$\x80\t\r\n"));
     QTRY_VERIFY(m_output.contains("<- $\\x80\\x09\n"));
@@ -423,7 +423,7 @@ void TestSimProgram::verboseHidesPasswords()
     QCOMPARE(m_output.count("<- $VRPWS,***\n"), 2);
     QCOMPARE(m_output.count("<- $VRPWU,***\n"), 5);
     QCOMPARE(m_output.count("-> $VRPWV,***\n"), 2);
-    QCOMPARE(m_output.count("-> " + withChecksum("$VRPWS,OK").trimmed() + '\n'), 2);
+    QCOMPARE(m_output.count(QByteArray("-> " + withChecksum("$VRPWS,OK").trimmed() + '\n')), 2);
     for (const char *secret : {"Sesame", "Wrong88", "Second", "simlevel", "Unchecked", "Spoilt"}) {
         QVERIFY2(!m_output.contains(secret), secret);
         QVERIFY2(!m_complaints.contains(secret), secret);

@@ -338,7 +338,7 @@ void TestSimRouter::streamsPortUnderView()
     QTRY_COMPARE(m_router->view(), 255);
     QCOMPARE(viewed.count(), 2);
     QTRY_VERIFY(m_tool->received().endsWith("$VRVVW,255\r\n"));
-    const int heard = m_tool->received().size();
+    const int heard = int(m_tool->received().size());
     turnsOfIdleLoop();
     QCOMPARE(m_tool->received().size(), heard);
 }
@@ -393,13 +393,13 @@ void TestSimRouter::monitorFillsTheLine()
             return;
         }
         const double seconds = static_cast<double>(passed) / window;
-        const int bytes = m_tool->received().size() - heard;
+        const int bytes = int(m_tool->received().size() - heard);
         if (begin != 0) {
             fullest = qMax(fullest, bytes / seconds);
             isTooFull = isTooFull || bytes > bytesPerSecond * seconds + catchUp;
         }
         begin = RouterSimulator::now();
-        heard = m_tool->received().size();
+        heard = int(m_tool->received().size());
     });
     QVERIFY(m_tool->write("$VRVVW," + QByteArray::number(view) + "\r\n"));
     QTRY_VERIFY_WITH_TIMEOUT(fullest > 0.98 * bytesPerSecond, timeout);
@@ -468,7 +468,7 @@ void TestSimRouter::transcriptIsBounded()
     const QByteArray block = QByteArray("$X\n").repeated(500);
     const int blocks = RouterSimulator::maxTranscript / 500 + 2;
     for (int i = 0; i < blocks; ++i) {
-        const int before = heard.count();
+        const int before = int(heard.count());
         QVERIFY(m_tool->write(block));
         QTRY_COMPARE_WITH_TIMEOUT(heard.count(), before + 500, timeout);
     }

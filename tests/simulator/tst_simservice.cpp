@@ -134,7 +134,7 @@ void TestSimService::chipIdReadsAsText()
     const QByteArray bytes = QByteArray::fromHex(answer.mid(7));
     QCOMPARE(bytes.size(), 16);
     QByteArray text;
-    for (int i = bytes.size() - 1; i >= 0; --i) {
+    for (int i = int(bytes.size() - 1); i >= 0; --i) {
         text += bytes.at(i);
         text += i % 4 == 0 ? " " : "";
     }

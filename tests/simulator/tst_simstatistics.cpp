@@ -236,12 +236,12 @@ void TestSimStatistics::fullOutput()
     const auto lines = TrafficGenerator(clock.start()).outputTraffic(11, config, 0, minute);
     int bytes = 0;
     for (const TrafficLine &line : lines) {
-        bytes += line.text.size() + 2;
+        bytes += int(line.text.size()) + 2;
     }
     const int carried = static_cast<int>(baud) / 10 * 60;
     QCOMPARE(bytes > carried, isTooSlow);
     // What isn't carried, in sentences of the usual length; the short ones fit more often.
-    const double missing = qMax(0.0, double(bytes - carried) * lines.size() / bytes);
+    const double missing = qMax(0.0, double(bytes - carried) * double(lines.size()) / bytes);
     const quint32 counted = statistics.at(11).txFull;
     QVERIFY2(counted <= missing + 1 && counted >= 0.7 * missing,
              qPrintable(QStringLiteral("%1 of %2").arg(counted).arg(missing)));

@@ -133,7 +133,7 @@ void TestSimTraffic::checksumsAreRight()
         for (const TrafficLine &line : generator.inputTraffic(port, 0, minute)) {
             QVERIFY(line.text.startsWith('$') || line.text.startsWith('!'));
             QVERIFY2(line.text.size() <= maxNmeaLine, line.text.constData());
-            const int star = line.text.indexOf('*');
+            const int star = int(line.text.indexOf('*'));
             QCOMPARE(star, line.text.size() - 3);
             quint8 sum = 0;
             for (int i = 1; i < star; ++i) {
@@ -148,7 +148,7 @@ void TestSimTraffic::rateIsBelievable()
 {
     TrafficGenerator generator(start);
     for (int port = 0; port < portCount - 1; ++port) {
-        const int perMinute = generator.inputTraffic(port, 0, minute).size();
+        const int perMinute = int(generator.inputTraffic(port, 0, minute).size());
         QVERIFY2(perMinute >= 60 && perMinute <= 600, qPrintable(QString::number(perMinute)));
     }
 }
@@ -156,7 +156,7 @@ void TestSimTraffic::rateIsBelievable()
 void TestSimTraffic::rateIsAFactor()
 {
     TrafficGenerator generator(start);
-    const int usual = generator.inputTraffic(0, 0, minute).size();
+    const int usual = int(generator.inputTraffic(0, 0, minute).size());
     generator.setRate(10);
     QCOMPARE(generator.inputTraffic(0, 0, minute).size() / 10, usual);
     generator.setRate(0.5);
@@ -175,7 +175,7 @@ void TestSimTraffic::instrumentsSayNoMoreThanALineCarries()
     for (int port = 0; port < portCount; ++port) {
         double bytes = 0;
         for (const TrafficLine &line : generator.inputTraffic(port, minute, 2 * minute)) {
-            bytes += line.text.size() + 2;
+            bytes += double(line.text.size() + 2);
         }
         if (port == 3 || port == 11) {
             QCOMPARE(bytes, 0.0); // no AIS station, nothing wired
@@ -423,7 +423,7 @@ void TestSimTraffic::wrongChecksumsComeAtTheirRate()
         wrong += matches ? 0 : 1;
     }
     QCOMPARE(raw.size(), 6000);
-    const double expected = raw.size() * percent / 100;
+    const double expected = double(raw.size()) * percent / 100;
     QVERIFY2(std::fabs(wrong - expected) <= 0.2 * expected, qPrintable(QString::number(wrong)));
     QCOMPARE(generator.viewTraffic(0x00, config, 0, 20 * minute).size(), raw.size());
     QCOMPARE(generator.viewTraffic(0x01, config, 0, 20 * minute).size(), raw.size() - wrong);
@@ -666,7 +666,7 @@ void TestSimTraffic::feedHoldsNoMoreThanItMay()
     QTRY_VERIFY(waiting.count() > 2);
     int bytes = 0;
     while (feed.hasLine()) {
-        bytes += feed.takeLine().size();
+        bytes += int(feed.takeLine().size());
     }
     QVERIFY2(bytes <= MonitorFeed::maxWaiting && bytes > MonitorFeed::maxWaiting - 2 * maxNmeaLine,
              qPrintable(QString::number(bytes)));

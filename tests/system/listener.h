@@ -19,7 +19,7 @@ public:
     //! Leaves out lines that begin with \a beginning, from now on.
     void ignore(const QByteArray &beginning) { m_ignored += beginning; }
     //! Skips what was heard until now.
-    void forget() { m_checked = m_router.transcript().size(); }
+    void forget() { m_checked = int(m_router.transcript().size()); }
 
     //! The lines heard since the last expectation was met.
     QList<tk7sim::ReceivedLine> heard() const;

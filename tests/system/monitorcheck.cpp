@@ -54,7 +54,7 @@ QString MonitorCheck::problem(const QImage &column, const QList<QByteArray> &lin
     const QVector<QImage> seen = textLines(withoutSurroundings(column));
     if (seen.isEmpty())
         return QStringLiteral("the monitor is empty");
-    const int count = std::min(seen.size(), lines.size());
+    const int count = int(std::min(seen.size(), lines.size()));
     QVector<Sight> sights = m_known;
     for (int i = count; i > 0; --i)
         sights += {seen[seen.size() - i], Traffic::headOf(lines[lines.size() - i])};

@@ -47,7 +47,7 @@ void Tour::awaitRows(const XDesktop::Window &window, const QRect &strip,
 {
     int seen = 0;
     const auto isThere = [&] {
-        seen = rowsIn(window, strip).size();
+        seen = int(rowsIn(window, strip).size());
         return seen == count();
     };
     if (!waitUntil(isThere, Limit::paint)) {
@@ -75,7 +75,7 @@ QString Tour::startAisTest()
         };
         constexpr double most = 0.7; // some never tell their names
         const auto named = std::count_if(truth.stations.cbegin(), truth.stations.cend(), isNamed);
-        return named > 1 && static_cast<double>(named) > most * truth.stations.size()
+        return named > 1 && static_cast<double>(named) > most * double(truth.stations.size())
             && truth.ownShip.voyage && !truth.alarms.isEmpty();
     };
     await(hasAllHeard, Limit::ais,
@@ -90,7 +90,7 @@ QString Tour::startAisTest()
 bool Tour::isAlarmButtonEnabled() const
 {
     using namespace DialogMap::AisTest;
-    const int row = m_ais.ports().indexOf(port);
+    const int row = int(m_ais.ports().indexOf(port));
     return !columnIn(m_aisTest, table, blank, alarms).value(row).isNull();
 }
 
@@ -98,7 +98,7 @@ bool Tour::isAlarmButtonEnabled() const
 XDesktop::Window Tour::openAisWindow(int column, const QString &title)
 {
     const QVector<TableRow> rows = rowsIn(m_aisTest, DialogMap::AisTest::blank);
-    const int row = m_ais.ports().indexOf(port);
+    const int row = int(m_ais.ports().indexOf(port));
     require(row >= 0 && row < rows.size(), QStringLiteral("the port has no row"));
     const QRect head = DialogMap::AisTest::columnHead(column);
     m_tool.clickAt(

@@ -64,7 +64,7 @@ Channel &Tour::gpsChannel()
 void Tour::awaitTraffic(const QList<QByteArray> &heads)
 {
     constexpr int rounds = 2;
-    const int enough = rounds * heads.size();
+    const int enough = int(rounds * heads.size());
     const auto isHeard = [&] {
         const QList<QByteArray> last = m_traffic.lines().mid(m_traffic.lines().size() - enough);
         const auto count = [&](const QByteArray &head) {
@@ -131,7 +131,7 @@ void Tour::selectSentence(const QByteArray &name)
     m_tool.click(m_editor, DialogMap::Filter::names);
     m_tool.awaitKeys(m_editor);
     m_tool.desktop().strike("Home", "Control_L");
-    for (int i = names.indexOf(name); i > 0; --i)
+    for (int i = int(names.indexOf(name)); i > 0; --i)
         m_tool.desktop().strike("Down");
 }
 

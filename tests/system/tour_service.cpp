@@ -88,7 +88,8 @@ QByteArray Tour::awaitCounters()
     int next = 0;
     QObject context;
     QObject::connect(&m_router, &RouterSimulator::lineSent, &context, [&](const QByteArray &line) {
-        if (next == portCount || !line.startsWith("$VRSTA," + QByteArray::number(next) + ','))
+        if (next == portCount
+            || !line.startsWith(QByteArray("$VRSTA," + QByteArray::number(next) + ',')))
             return;
         answers += line;
         ++next;
@@ -103,8 +104,8 @@ QImage Tour::counterTable() const
     return m_tool.look(m_service, DialogMap::Service::table);
 }
 
-// Without the key, and with the right one, the logo does nothing: a dialog would take the next click, which the router hears
-// of and of nothing before it.
+// Without the key, and with the right one, the logo does nothing: a dialog would take the next
+// click, which the router hears of and of nothing before it.
 QString Tour::watchCounters()
 {
     m_router.setFault(Fault::InputErrors, spoiltShare);
@@ -141,7 +142,7 @@ QString Tour::clearCounters()
     m_listener.expect({"$VRSTC\r\n"}, Limit::hear);
     const QByteArray cleared = awaitCounters();
     for (int port = 0; port < portCount; ++port) {
-        require(cleared.contains("$VRSTA," + QByteArray::number(port) + ",0,0,0,0,"),
+        require(cleared.contains(QByteArray("$VRSTA," + QByteArray::number(port) + ",0,0,0,0,")),
                 QStringLiteral("the counters of port %1 aren't cleared").arg(port));
     }
     await([&] { return counterTable() != before; }, Limit::paint,

@@ -18,7 +18,7 @@ bool Traffic::hasRightChecksum(const QByteArray &line)
 {
     constexpr int digits = 2;
     const QByteArray sentence = line.trimmed();
-    const int star = sentence.indexOf('*');
+    const int star = int(sentence.indexOf('*'));
     if (star < 0 || sentence.size() != star + 1 + digits)
         return false;
     const int sum = std::accumulate(sentence.begin() + 1, sentence.begin() + star, 0,

@@ -111,7 +111,8 @@ void TestDragFrame::cleanup()
 bool TestDragFrame::mouse(QEvent::Type type, QPointF place, Qt::MouseButton button,
                           Qt::MouseButtons held)
 {
-    QMouseEvent event(type, place, button, held, Qt::NoModifier);
+    QMouseEvent event(type, place, m_frame->mapToGlobal(place.toPoint()), button, held,
+                      Qt::NoModifier);
     static_cast<QObject *>(m_frame)->event(&event);
     return !event.isAccepted();
 }
@@ -409,7 +410,7 @@ void TestDragFrame::release()
         pressEnabled();
     const bool toBase = mouse(QEvent::MouseButtonRelease, overEnabled, Qt::MouseButton(button),
                               Qt::MouseButtons(held));
-    QTEST(releases.count(), "signalCount");
+    QTEST(int(releases.count()), "signalCount");
     if (!releases.isEmpty())
         QCOMPARE(releases.at(0).at(0).value<DragFrame *>(), m_frame);
     QTEST(m_frame->frameStyle(), "style");

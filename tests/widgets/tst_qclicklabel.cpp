@@ -54,8 +54,9 @@ void TestQClickLabel::othersAreNoClick()
     QClickLabel label;
     label.setEnabled(enabled);
     QSignalSpy clicked(&label, &QClickLabel::clicked);
-    QMouseEvent event(QEvent::Type(type), QPoint(2, 2), Qt::LeftButton, Qt::LeftButton,
-                      Qt::NoModifier);
+    const QPoint place(2, 2);
+    QMouseEvent event(QEvent::Type(type), place, label.mapToGlobal(place), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(&label, &event);
     QCOMPARE(clicked.count(), 0);
 }
