@@ -38,7 +38,7 @@ void TimerDriver::tick()
 bool TimerDriver::eventFilter(QObject *watched, QEvent *event)
 {
     auto *timer = event->type() == QEvent::Timer ? qobject_cast<QTimer *>(watched) : nullptr;
-    if (!timer || timer->interval() != second || m_isTicking)
+    if (!timer || timer->interval() != second || timer->isSingleShot() || m_isTicking)
         return false;
     if (!m_timers.contains(timer))
         m_timers.append(timer);

@@ -7,7 +7,8 @@
 
 /*!
  * Takes the one-second timers of a program out of the hands of real time: from the first time that
- * one of them fires it does so only when the test says that a second has passed.
+ * one of them fires it does so only when the test says that a second has passed. Those that fire
+ * once, as that of the painting, stay in real time.
  */
 class TimerDriver : public QObject
 {
