@@ -32,7 +32,7 @@ private slots:
     void toolTips_data();
     void toolTips();
     void toolTipIsPlainText();
-    void rebuildsManyInAMoment();
+    void rebuildsAsManyAsAPortCanHave();
     void resizes_data();
     void resizes();
     void resizingGoesOnInTheDialog();
@@ -309,17 +309,16 @@ void tst_aisalarmlistdlg::toolTipIsPlainText()
     QCOMPARE(shown.toPlainText(), QStringLiteral("<b>AIS</b>: all & sundry*"));
 }
 
-// As many as a port can have; the event loop waits meanwhile.
-void tst_aisalarmlistdlg::rebuildsManyInAMoment()
+void tst_aisalarmlistdlg::rebuildsAsManyAsAPortCanHave()
 {
-    constexpr int longest = 500; // ms; some 20 on an idle machine
     for (int id = 0; id < 256; ++id)
         alarm(quint8(id), id % 2, id % 3, text, id % 24, id % 60, id % 60);
-    QElapsedTimer timer;
-    timer.start();
     m_list->rebuild();
-    QVERIFY2(timer.elapsed() < longest, qPrintable(QString::number(timer.elapsed())));
     QCOMPARE(table()->rowCount(), 256);
+    for (int row = 0; row < table()->rowCount(); ++row) {
+        for (int column = 0; column < table()->columnCount(); ++column)
+            QVERIFY(table()->item(row, column));
+    }
 }
 
 void tst_aisalarmlistdlg::resizes_data()

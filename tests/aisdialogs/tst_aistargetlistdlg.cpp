@@ -4,6 +4,7 @@
 #include "aistalk.h"
 #include "fakeclock.h"
 
+#include <QElapsedTimer>
 #include <QHeaderView>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -515,15 +516,22 @@ void tst_aistargetlistdlg::manyChangesAreOneFrame()
     settle();
     QVERIFY(paints.count > 0); // the first change at once
     paints.count = 0;
+    QElapsedTimer clock;
+    clock.start();
+    const auto mostPaints = [&clock] { // none, unless the machine takes longer than a frame
+        constexpr int shortestFrame = 900; // ms
+        constexpr int paintsOfAFrame = 4;
+        return int(clock.elapsed() / shortestFrame) * paintsOfAFrame;
+    };
     for (quint32 mmsi = 1; mmsi <= 19; ++mmsi) {
         hear(AisTalk::northOf(mmsi, 30 - mmsi));
         settle();
     }
-    QCOMPARE(paints.count, 0);
+    QVERIFY2(paints.count <= mostPaints(), qPrintable(QString::number(paints.count)));
     QTRY_VERIFY_WITH_TIMEOUT(table()->updatesEnabled(), longestFrame);
     settle();
     QVERIFY(paints.count > 0);
-    QVERIFY(paints.count < 5);
+    QVERIFY2(paints.count <= mostPaints() + 4, qPrintable(QString::number(paints.count)));
 }
 
 void tst_aistargetlistdlg::userIsServedAtOnce_data()
