@@ -122,7 +122,7 @@ void TestSimAisStations::stationsSayNoMoreThanALineCarries()
     double bytes = 0;
     for (int port = 0; port < portCount; ++port) {
         for (const TrafficLine &line : generator.inputTraffic(port, 0, 10000)) {
-            bytes += line.report ? line.text.size() + 2 : double(0);
+            bytes += line.report ? double(line.text.size()) + 2 : 0;
         }
     }
     QVERIFY2(bytes / 10 > 0.98 * carried && bytes / 10 < 1.02 * carried,
