@@ -1,5 +1,5 @@
 #include "matrixlooks.h"
-#include "matrixwindows.h"
+#include "matrixtest.h"
 
 #include <QComboBox>
 #include <QFrame>
@@ -56,17 +56,11 @@ QStringList viewSheets(int view)
 } // namespace
 
 /*! What the matrix does: the view's colours, its buttons, clicks on frames, boxes, what is sent. */
-class TestMatrix : public QObject
+class TestMatrix : public MatrixTest
 {
     Q_OBJECT
 
-public:
-    static void initMain() { qputenv("QT_FONT_DPI", "96"); }
-
 private slots:
-    void cleanup();
-    void cleanupTestCase();
-
     void viewColors();
     void viewIsIgnoredWhileNotConnected();
 
@@ -96,28 +90,12 @@ private slots:
     void nothingIsSentBeforeTheConnectionStands();
 
 private:
-    MainWindow *fresh() { return m_windows.fresh(); }
-    ConnectedMatrix *connected() { return m_windows.connected(); }
     MainWindow &window() { return connected()->window(); }
     const ChannelRecord &record(int port, int channel)
     {
         return window().routerModel().output_ports[size_t(port)].channels[size_t(channel)];
     }
-
-    MatrixWindows m_windows;
 };
-
-void TestMatrix::cleanup()
-{
-    m_windows.endTest();
-    const QString problem = m_windows.problem();
-    QVERIFY2(problem.isEmpty(), qPrintable(problem));
-}
-
-void TestMatrix::cleanupTestCase()
-{
-    m_windows.disconnect();
-}
 
 // Colours of the view
 
@@ -499,7 +477,7 @@ void TestMatrix::unknownSenders()
 // The link is open while it looks for the router, so a line queued too early would go out later.
 void TestMatrix::nothingIsSentBeforeTheConnectionStands()
 {
-    m_windows.disconnect(); // two benches would answer each other's boxes
+    disconnectWindow();
     WindowBench bench;
     tk7sim::RouterConfig config;
     config.speeds[6] = 38400; // the speed that is chosen below, so the download changes none

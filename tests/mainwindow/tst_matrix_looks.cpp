@@ -1,5 +1,5 @@
 #include "matrixlooks.h"
-#include "matrixwindows.h"
+#include "matrixtest.h"
 
 #include <QComboBox>
 #include <QFrame>
@@ -25,17 +25,11 @@ QList<QPair<int, int>> pairs(const QString &text)
 } // namespace
 
 /*! What the matrix shows at the start, and of a model: a row, its options, the labels' places. */
-class TestMatrixLooks : public QObject
+class TestMatrixLooks : public MatrixTest
 {
     Q_OBJECT
 
-public:
-    static void initMain() { qputenv("QT_FONT_DPI", "96"); }
-
 private slots:
-    void cleanup();
-    void cleanupTestCase();
-
     void heads_data();
     void heads();
     void rowWidgets_data();
@@ -66,28 +60,13 @@ private slots:
     void labelPlaces();
 
 private:
-    MainWindow *fresh() { return m_windows.fresh(); }
     // Brings the fresh window's model to the screen as the end of a download does.
     void refresh();
-
-    MatrixWindows m_windows;
 };
-
-void TestMatrixLooks::cleanup()
-{
-    m_windows.endTest();
-    const QString problem = m_windows.problem();
-    QVERIFY2(problem.isEmpty(), qPrintable(problem));
-}
-
-void TestMatrixLooks::cleanupTestCase()
-{
-    m_windows.disconnect();
-}
 
 void TestMatrixLooks::refresh()
 {
-    m_windows.connected()->bench.boxes.expect(WindowBench::downloadBox());
+    connected()->bench.boxes.expect(WindowBench::downloadBox());
     fresh()->slotVRUpdateVRData();
 }
 

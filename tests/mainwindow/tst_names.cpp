@@ -1,21 +1,15 @@
-#include "matrixwindows.h"
+#include "matrixtest.h"
 
 #include "widgets/qmlineedit.h"
 
 #include <QComboBox>
 
 /*! Names of the ports, in a window that is not connected but where lines are sent. */
-class TestNames : public QObject
+class TestNames : public MatrixTest
 {
     Q_OBJECT
 
-public:
-    static void initMain() { qputenv("QT_FONT_DPI", "96"); }
-
 private slots:
-    void cleanup();
-    void cleanupTestCase();
-
     void outputEditor();
     void inputEditor_data();
     void inputEditor();
@@ -55,7 +49,6 @@ private slots:
 private:
     // Where keys are typed the window has to be the active one.
     MainWindow *fresh();
-    ConnectedMatrix *connected() { return m_windows.connected(); }
 
     // Presses a mouse button over the middle of a widget, by way of the window.
     static void click(QWidget *widget, Qt::MouseButton button);
@@ -78,32 +71,17 @@ private:
     {
         return fresh()->routerModel().output_ports[size_t(port)].output_name;
     }
-
-    MatrixWindows m_windows;
 };
 
 MainWindow *TestNames::fresh()
 {
-    MainWindow *window = m_windows.fresh();
+    MainWindow *window = MatrixTest::fresh();
     if (window->isActiveWindow())
         return window;
     window->activateWindow();
     if (!QTest::qWaitForWindowActive(window))
         qFatal("the window does not become active");
     return window;
-}
-
-void TestNames::cleanup()
-{
-    m_windows.endTest();
-    QVERIFY(!QWidget::mouseGrabber());
-    const QString problem = m_windows.problem();
-    QVERIFY2(problem.isEmpty(), qPrintable(problem));
-}
-
-void TestNames::cleanupTestCase()
-{
-    m_windows.disconnect();
 }
 
 void TestNames::click(QWidget *widget, Qt::MouseButton button)
@@ -646,7 +624,7 @@ void TestNames::focusAfterConnecting()
 {
     QFETCH(QString, before);
     QFETCH(QString, after);
-    m_windows.disconnect(); // which would answer the boxes
+    disconnectWindow();
     WindowBench bench;
     bench.window.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&bench.window));
@@ -725,7 +703,7 @@ void TestNames::windowEndsUnderAnOpenEditor()
     QStringList heard;
     connect(editor, &QLineEdit::editingFinished, this,
             [&] { heard += QString::fromLatin1(editor->window()->metaObject()->className()); });
-    m_windows.closeFresh();
+    closeFresh();
     heard.removeDuplicates();
     QCOMPARE(heard, QStringList("MainWindow"));
     QVERIFY(!QWidget::mouseGrabber());

@@ -1,19 +1,13 @@
-#include "matrixwindows.h"
+#include "matrixtest.h"
 
 #include <QComboBox>
 
 /*! Speeds of the output ports, in a window that is not connected but where lines are sent. */
-class TestSpeeds : public QObject
+class TestSpeeds : public MatrixTest
 {
     Q_OBJECT
 
-public:
-    static void initMain() { qputenv("QT_FONT_DPI", "96"); }
-
 private slots:
-    void cleanup();
-    void cleanupTestCase();
-
     void speedChoices();
     void chosenSpeed_data();
     void chosenSpeed();
@@ -28,25 +22,7 @@ private slots:
     void refusedSpeed_data();
     void refusedSpeed();
     void speedFromTheRouterOffline();
-
-private:
-    MainWindow *fresh() { return m_windows.fresh(); }
-    ConnectedMatrix *connected() { return m_windows.connected(); }
-
-    MatrixWindows m_windows;
 };
-
-void TestSpeeds::cleanup()
-{
-    m_windows.endTest();
-    const QString problem = m_windows.problem();
-    QVERIFY2(problem.isEmpty(), qPrintable(problem));
-}
-
-void TestSpeeds::cleanupTestCase()
-{
-    m_windows.disconnect();
-}
 
 void TestSpeeds::speedChoices()
 {

@@ -5,12 +5,31 @@
 #include <memory>
 
 /*!
- * The two windows of a test program of the matrix: one that is not connected, made anew for each
+ * A test program of the matrix, with two windows: one that is not connected, made anew for each
  * test that asks for it, and one that stays connected, emptied for each test that asks for it.
  */
-class MatrixWindows
+class MatrixTest : public QObject
 {
+    Q_OBJECT
+
 public:
+    static void initMain() { qputenv("QT_FONT_DPI", "96"); }
+
+private slots:
+    void cleanup()
+    {
+        m_fresh.reset();
+        m_isReset = false;
+        QVERIFY(!QWidget::mouseGrabber());
+        if (!m_connected)
+            return;
+        const BoxAnswer &boxes = m_connected->bench.boxes;
+        QVERIFY2(boxes.isDone(), qPrintable(boxes.report()));
+        QVERIFY(m_connected->window().isConnected());
+    }
+    void cleanupTestCase() { m_connected.reset(); }
+
+protected:
     MainWindow *fresh()
     {
         if (m_fresh)
@@ -35,24 +54,8 @@ public:
     }
 
     void closeFresh() { m_fresh.reset(); }
-    void disconnect() { m_connected.reset(); }
-
-    /*! Closes the first window and has the second emptied when it is next asked for. */
-    void endTest()
-    {
-        m_fresh.reset();
-        m_isReset = false;
-    }
-
-    /*! What is wrong with the connected window after a test; empty if nothing is. */
-    QString problem() const
-    {
-        if (!m_connected)
-            return QString();
-        if (!m_connected->bench.boxes.isDone())
-            return m_connected->bench.boxes.report();
-        return m_connected->window().isConnected() ? QString() : QStringLiteral("not connected");
-    }
+    /*! For a bench of a test's own: two of them would answer each other's boxes. */
+    void disconnectWindow() { m_connected.reset(); }
 
 private:
     std::unique_ptr<ConnectedMatrix> m_connected;
