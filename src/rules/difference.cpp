@@ -26,9 +26,7 @@ class Comparison
 {
 public:
     Comparison(const RouterModel &before, const RouterModel &after)
-        : m_before(before), m_after(after),
-          m_hasSameList(before.filter_list_mask == after.filter_list_mask
-                        && before.filter_list == after.filter_list)
+        : m_before(before), m_after(after)
     {
     }
 
@@ -69,8 +67,6 @@ private:
     void compareChannel(const QString &place, const ChannelRecord &before,
                         const ChannelRecord &after)
     {
-        if (m_hasSameList && before == after)
-            return;
         // By number: another name of the same input is told where the inputs are.
         if (before.main_input != after.main_input)
             add(place, QStringLiteral("main input"), Words::input(m_before, before.main_input),
@@ -108,7 +104,6 @@ private:
 
     const RouterModel &m_before;
     const RouterModel &m_after;
-    const bool m_hasSameList;
     QStringList m_lines;
 };
 

@@ -131,6 +131,10 @@ void TestRuleDifference::oneField_data()
         [](RouterModel &m) { m.setFilterString(1, QString()); },
         {place + QLatin1String("filter only RMC, GGA -> only RMC, slot 1"),
          QStringLiteral("List of sentence names: slot 1 GGA -> free")});
+    row("slot freed under a filter, its text kept",
+        [](RouterModel &m) { m.filter_list_mask &= ~2U; },
+        {place + QLatin1String("filter only RMC, GGA -> only RMC, slot 1"),
+         QStringLiteral("List of sentence names: slot 1 GGA -> free")});
     row("text of a free slot: nothing keeps it",
         [](RouterModel &m) { m.filter_list[20] = QStringLiteral("XYZ"); }, {});
     row("another channel",
