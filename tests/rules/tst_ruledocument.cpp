@@ -87,6 +87,10 @@ void TestRuleDocument::damaged_data()
     const int channel = PortStart + 5 * ChannelBytes;
     QTest::newRow("bit 7 of the flags")
         << channel << QByteArray("\x80") << "Output 0, channel 5: a bit without a meaning is set";
+    QTest::newRow("of the first channel")
+        << PortStart << QByteArray("\x80") << "Output 0, channel 0: a bit without a meaning is set";
+    QTest::newRow("of the last channel") << PortStart + 11 * ChannelBytes << QByteArray("\x80")
+                                         << "Output 0, channel 11: a bit without a meaning is set";
     QTest::newRow("header flag without a header")
         << channel << QByteArray("\x04")
         << "Output 0, channel 5: the header is on, but blank, and read as none";
