@@ -52,11 +52,10 @@ void MainWindow::slotPortSpeedChanged(QString str)
     send(MakeSpeedSentence(port, speed));
 }
 
-// A wheel that only passes over a speed must not change it: it scrolls the column.
+// Of the speeds: a wheel that only passes over one must not change it, it scrolls the column.
 bool MainWindow::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::Wheel && rowOf(output_rows, &OutputRow::speed, watched) >= 0
-        && !static_cast<QWidget *>(watched)->hasFocus()) {
+    if (event->type() == QEvent::Wheel && !static_cast<QWidget *>(watched)->hasFocus()) {
         event->ignore();
         return true;
     }
