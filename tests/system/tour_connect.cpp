@@ -240,7 +240,7 @@ QString Tour::openTakenPort()
           QStringLiteral("the other program doesn't connect to the other router"));
 
     choosePort(ports().sparePort);
-    const int heard = m_spareRouter.transcript().size();
+    const int heard = int(m_spareRouter.transcript().size());
     m_tool.click(m_tool.map().connectButton());
     m_box = m_tool.awaitWindow(linkTitle, Limit::box);
     for (int i = heard; i < m_spareRouter.transcript().size(); ++i) {
