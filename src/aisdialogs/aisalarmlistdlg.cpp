@@ -114,7 +114,7 @@ int AisAlarmListDlg::appendRow(const QString &idText)
     table->insertRow(row);
     for (int column = 0; column < columnCount; ++column) {
         auto *item = new ElidedItem;
-        item->setTextAlignment(columnAlignment(column));
+        item->setData(Qt::TextAlignmentRole, int(columnAlignment(column)));
         table->setItem(row, column, item);
     }
     QTableWidgetItem *idItem = table->item(row, idColumn);

@@ -203,7 +203,7 @@ void AisTargetListDlg::fillRow(int row, const QAisTarget &target)
 {
     const auto put = [this, row](int column, const QString &text, Qt::Alignment alignment) {
         auto *item = new ListItem(text);
-        item->setTextAlignment(alignment);
+        item->setData(Qt::TextAlignmentRole, int(alignment));
         ui->ais_list->setItem(row, column, item);
     };
     const Qt::Alignment left = Qt::AlignLeft | Qt::AlignVCenter;
