@@ -15,6 +15,8 @@
 
 using platform::StandardStream;
 
+Q_DECLARE_METATYPE(platform::StandardStream)
+
 /*! Standard streams and signals, of this process. */
 class tst_Console : public QObject
 {
@@ -319,8 +321,6 @@ void tst_Console::readsOneLine()
     rest.truncate(int(::read(STDIN_FILENO, rest.data(), size_t(rest.size()))));
     QCOMPARE(rest, left);
 }
-
-Q_DECLARE_METATYPE(platform::StandardStream)
 
 QTEST_GUILESS_MAIN(tst_Console)
 #include "tst_console.moc"
